@@ -1,0 +1,4 @@
+#pragma once
+
+// The library is built with hidden visibility; only what carries this macro is its interface.
+#define ZELKIN_CHARACTERIZATION_EXPORT __attribute__((visibility("default")))
