@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QStringList>
+
+// zelkin inspect FILE.zelc [--json]
+int runInspect(const QStringList& arguments);
