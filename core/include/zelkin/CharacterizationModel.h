@@ -1,0 +1,142 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <zelkin/Characterization.h>
+#include <zelkin/CharacterizationExport.h>
+#include <zelkin/ValidationLog.h>
+
+class IDCCHub;
+class QTimer;
+class ValidationRun;
+
+// The characterizations the tool edits, the current one, its validation marks, the edited part and the edit and
+// mirror modes. Views read it and call its operations; the host's hub signals reach it as slot calls.
+class ZELKIN_CHARACTERIZATION_EXPORT CharacterizationModel : public QObject
+{
+    Q_OBJECT
+
+public:
+    using CharacterizationList = std::vector<std::shared_ptr<Characterization>>;
+    using Assignment = std::pair<int, QString>;
+
+    static constexpr int NoPart = -1;
+    static constexpr int GeometryCheckInterval = 1000; // ms
+
+    // Without a hub the model follows no host and runs no geometry check.
+    explicit CharacterizationModel(IDCCHub* hub, QObject* parent = nullptr);
+    ~CharacterizationModel() override;
+
+    IDCCHub* GetHub() const { return mHub; }
+
+    const CharacterizationList& GetCharacterizations() const { return mCharacterizations; }
+    QStringList GetCharacterizationNames() const;
+    int GetCurrentIndex() const { return mCurrent; }
+    std::shared_ptr<Characterization> GetCurrentCharacterization() const;
+    // First characterization of that exact name.
+    std::shared_ptr<Characterization> FindCharacterization(const QString& name) const;
+    int IndexOf(const QString& name) const;
+    int IndexOf(const Characterization* characterization) const;
+    // The default name, numbered when it is taken.
+    QString NextCharacterizationName() const;
+    // Adds, announces to the host and makes current; null when the name is empty or taken.
+    std::shared_ptr<Characterization> CreateCharacterization(const QString& name);
+    // Removes it; keeps the first one current when the current one went, and never leaves the list empty.
+    bool DeleteCharacterization(int index);
+    // Follows the host's list of character names: drops the others, adds the missing ones, takes the host's order.
+    void SyncCharacterizationList(const QStringList& names);
+    // Replaces the current characterization's mapping, geometry and flags, keeping its name and lock.
+    bool ReplaceCurrentContent(const Characterization& content);
+
+    // Assignment on the current characterization; all refused while it is locked.
+    bool AssignBone(int nodeId, const QString& bone);
+    // One validation for the whole batch; an empty bone clears its node.
+    bool AssignBones(const std::vector<Assignment>& assignments);
+    bool ClearNode(int nodeId);
+    bool ClearNodes(const std::vector<int>& nodeIds);
+    QString GetAssignedBone(int nodeId) const;
+    // Mapped nodes whose bones the host no longer has.
+    std::vector<int> GetUnsyncNodes() const;
+
+    // invertibleBone: an IDCCHub::InvertibleBone value.
+    bool IsInverted(int invertibleBone) const;
+    bool SetInverted(int invertibleBone, bool inverted);
+
+    // The merged result of the last validation run.
+    ValidationState GetValidationState() const { return mState; }
+    std::string GetValidationMessage() const { return mMessage; }
+    // 0 unassigned, 1 assigned and valid, 2 warning, 3 error.
+    int GetNodeState(int nodeId) const;
+    std::string GetNodeMessage(int nodeId) const;
+    void Validate();
+
+    bool IsLocked() const;
+    bool IsMirrorMode() const { return mMirrorMode; }
+    bool IsBusy() const { return mBusy; }
+    int GetEditedPart() const { return mEditedPart; }
+    // picked: the user picked the part, so the host selects its bone.
+    void SetEditedPart(int nodeId, bool picked);
+    QString GetLastOperationText() const { return mLastOperation; }
+    QTimer* GetGeometryTimer() const { return mTimer; }
+
+signals:
+    void ModelChanged();
+    void EditedPartChanged(int oldEditedPartId, int newEditedPartId, bool isReadWrite);
+
+public slots:
+    void RenameBone(const QString& newName, const QString& oldName);
+    void RemoveBone(const QString& Name);
+    void RemoveCharacterizationNode(const QString& name);
+    void RenameCharacterization(const QString& newName, const QString& oldName);
+    void ClearAll();
+    // Maps scene bones whose names, without a namespace, are node names onto free nodes.
+    void AutoMatch();
+    bool SetCurrentCharacterization(int index);
+    void SetEditMode(bool readOnly, std::vector<int> unsyncNodeToClear = std::vector<int>());
+    void SetMirrorMode(bool mirror);
+    void CreateNewCharacterization();
+    void CheckGeometry();
+
+private:
+    struct BusyScope;
+
+    bool IsEditable() const;
+    void RemoveAt(int index);
+    // Keeps `previous` current when it is still listed, else the first; creates one when none is left.
+    void RestoreCurrent(const Characterization* previous);
+    void SetLockedState(Characterization& characterization, bool locked);
+    void SetMark(int nodeId, int32_t mark);
+    void Attach(int nodeId, const QString& bone);
+    void Detach(Characterization& characterization, int nodeId, bool fromHost);
+    // Validates an editable characterization; a locked one only announces the change.
+    void Update();
+    // notify: announce even when neither the mapping nor the findings changed.
+    void RunValidation(bool notify);
+    void ResetFindings();
+    void Notify();
+
+    IDCCHub* mHub = nullptr;
+    CharacterizationList mCharacterizations;
+    int mCurrent = -1;
+    std::array<int32_t, ZELNodeCount> mMarks {};
+    std::array<std::string, ZELNodeCount> mNodeMessages;
+    ValidationState mState = NotValidated;
+    std::string mMessage;
+    std::array<uint32_t, ZELNodeCount> mLastAssigned {};
+    int mEditedPart = NoPart;
+    QTimer* mTimer = nullptr;
+    bool mMirrorMode = false;
+    bool mBusy = false;
+    bool mChanged = false;
+    QString mLastOperation;
+    std::unique_ptr<ValidationRun> mRules;
+};
