@@ -1,0 +1,30 @@
+#include "ImportProgress.h"
+
+#include <algorithm>
+#include <utility>
+
+ImportProgress::ImportProgress(Callback callback, int64_t fileSize)
+    : mCallback(std::move(callback))
+    , mFileSize(fileSize)
+{
+}
+
+bool ImportProgress::Report(int percent)
+{
+    if (mCancelled)
+        return false;
+    percent = std::clamp(percent, 0, 100);
+    if (percent <= mPercent)
+        return true;
+    mPercent = percent;
+    if (mCallback && !mCallback(percent))
+        mCancelled = true;
+    return !mCancelled;
+}
+
+void ImportProgress::AddBytesRead(int64_t bytes)
+{
+    mBytesRead += bytes;
+    if (mFileSize > 0)
+        Report(static_cast<int>(std::min(mBytesRead, mFileSize) * ReadShare / mFileSize));
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <assimp/DefaultIOSystem.h>
+
+class ImportProgress;
+
+// The default file system, with every read counted towards the import's progress and refused once the import is
+// cancelled, which makes Assimp give up on the file.
+class ProgressIOSystem : public Assimp::DefaultIOSystem
+{
+public:
+    explicit ProgressIOSystem(ImportProgress& progress);
+
+    using DefaultIOSystem::Open;
+    Assimp::IOStream* Open(const char* file, const char* mode = "rb") override;
+    void Close(Assimp::IOStream* stream) override;
+
+private:
+    ImportProgress& mProgress;
+};

@@ -1,0 +1,95 @@
+#include "SceneImporter.h"
+
+#include <exception>
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <assimp/Importer.hpp>
+#include <assimp/config.h>
+#include <assimp/scene.h>
+
+#include "BvhRotationOrders.h"
+#include "ImportProgressHandler.h"
+#include "ProgressIOSystem.h"
+#include "Scene.h"
+#include "SceneBuilder.h"
+
+namespace {
+
+void Configure(Assimp::Importer& importer)
+{
+    // Pivots fold into the node transforms; helper nodes that still appear are folded by SceneBuilder.
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);
+    // A file without geometry would otherwise get a made-up mesh skinned by every node, end sites included.
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_READ_MATERIALS, false);
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_READ_TEXTURES, false);
+}
+
+QHash<QString, ZELRotationOrder> RotationOrders(const QString& path)
+{
+    if (QFileInfo(path).suffix().compare(QLatin1String("bvh"), Qt::CaseInsensitive) == 0)
+        return BvhRotationOrders::Read(path);
+    return {};
+}
+
+QString AssimpError(const Assimp::Importer& importer)
+{
+    const QString error = QString::fromUtf8(importer.GetErrorString()).trimmed();
+    return error.isEmpty() ? QStringLiteral("unknown format or damaged file") : error;
+}
+
+} // namespace
+
+bool SceneImporter::Import(const QString& path, Scene& scene)
+{
+    mError.clear();
+    mCancelled = false;
+    const QFileInfo info(path);
+    if (!info.isFile())
+        return Fail(path, QStringLiteral("no such file"));
+
+    ImportProgress progress(mCallback, info.size());
+    if (!progress.Report(0))
+        return Cancel(path);
+    Scene imported;
+    try
+    {
+        Assimp::Importer importer;
+        Configure(importer);
+        // The importer owns both and deletes them before `progress` goes.
+        importer.SetIOHandler(new ProgressIOSystem(progress));
+        importer.SetProgressHandler(new ImportProgressHandler(progress));
+        const aiScene* source = importer.ReadFile(QFile::encodeName(path).toStdString(), 0);
+        if (progress.IsCancelled())
+            return Cancel(path);
+        if (source == nullptr || source->mRootNode == nullptr)
+            return Fail(path, AssimpError(importer));
+        if (!progress.Report(ImportProgress::ParsedPercent))
+            return Cancel(path);
+        SceneBuilder(*source, RotationOrders(path)).Build(imported);
+    }
+    catch (const std::exception& error)
+    {
+        return Fail(path, QString::fromUtf8(error.what()));
+    }
+    if (imported.IsEmpty())
+        return Fail(path, QStringLiteral("the file holds no skeleton"));
+    progress.Report(100);
+    imported.SetSourcePath(path);
+    scene = std::move(imported);
+    return true;
+}
+
+bool SceneImporter::Fail(const QString& path, const QString& reason)
+{
+    mError = QStringLiteral("cannot read %1: %2").arg(QDir::toNativeSeparators(path), reason);
+    return false;
+}
+
+bool SceneImporter::Cancel(const QString& path)
+{
+    mCancelled = true;
+    return Fail(path, QStringLiteral("import cancelled"));
+}

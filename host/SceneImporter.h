@@ -1,0 +1,31 @@
+#pragma once
+
+#include <utility>
+
+#include <QString>
+
+#include "ImportProgress.h"
+
+class Scene;
+
+// Reads a skeleton from any file Assimp reads (FBX, glTF/GLB, BVH, Collada, ...) into a scene, in the file's units.
+class SceneImporter
+{
+public:
+    // Called with 0 to 100 while the file is read; returning false cancels.
+    void SetProgressCallback(ImportProgress::Callback callback) { mCallback = std::move(callback); }
+
+    // On success replaces the scene's content. On failure or cancellation leaves the scene as it was and keeps one
+    // message: "cannot read FILE: <reason>".
+    bool Import(const QString& path, Scene& scene);
+    const QString& ErrorText() const { return mError; }
+    bool WasCancelled() const { return mCancelled; }
+
+private:
+    bool Fail(const QString& path, const QString& reason);
+    bool Cancel(const QString& path);
+
+    ImportProgress::Callback mCallback;
+    QString mError;
+    bool mCancelled = false;
+};
