@@ -1,0 +1,92 @@
+#include <zelkin/TemplateLibrary.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+#include <zelkin/MappingTemplate.h>
+
+namespace
+{
+const QString Extension = QStringLiteral(".xml");
+
+QStringList TemplateNamesIn(const QString& directory)
+{
+    QStringList names;
+    const QFileInfoList files =
+        QDir(directory).entryInfoList({QStringLiteral("*.xml")}, QDir::Files | QDir::Readable, QDir::Name);
+    for (const QFileInfo& file : files)
+        names.append(file.completeBaseName());
+    return names;
+}
+
+// A name must stay a plain file name inside its folder.
+bool IsUsableName(const QString& name)
+{
+    return !name.isEmpty() && !name.contains(QLatin1Char('/')) && !name.contains(QLatin1Char('\\'))
+           && name != QLatin1String(".") && name != QLatin1String("..");
+}
+} // namespace
+
+QString TemplateLibrary::ShippedDirectory()
+{
+    return QStringLiteral(":/zelkin/templates");
+}
+
+TemplateLibrary::TemplateLibrary(const QString& userDirectory) : mUserDirectory(userDirectory) {}
+
+QStringList TemplateLibrary::Names() const
+{
+    QStringList names = TemplateNamesIn(mUserDirectory) + TemplateNamesIn(ShippedDirectory());
+    names.removeDuplicates();
+    names.sort(Qt::CaseInsensitive);
+    return names;
+}
+
+bool TemplateLibrary::Contains(const QString& name) const
+{
+    return !PathOf(name).isEmpty();
+}
+
+bool TemplateLibrary::IsUserTemplate(const QString& name) const
+{
+    return IsUsableName(name) && QFileInfo(UserPathFor(name)).isFile();
+}
+
+QString TemplateLibrary::PathOf(const QString& name) const
+{
+    if (!IsUsableName(name))
+        return QString();
+    if (IsUserTemplate(name))
+        return UserPathFor(name);
+    const QString shipped = ShippedDirectory() + QLatin1Char('/') + name + Extension;
+    return QFileInfo(shipped).isFile() ? shipped : QString();
+}
+
+QString TemplateLibrary::UserPathFor(const QString& name) const
+{
+    return mUserDirectory + QLatin1Char('/') + name + Extension;
+}
+
+bool TemplateLibrary::Load(const QString& name, MappingTemplate& mappingTemplate, QString* error) const
+{
+    const QString path = PathOf(name);
+    if (path.isEmpty())
+    {
+        if (error)
+            *error = QCoreApplication::translate("TemplateLibrary", "There is no template named %1.").arg(name);
+        return false;
+    }
+    return mappingTemplate.Load(path, error);
+}
+
+bool TemplateLibrary::Save(const QString& name, const MappingTemplate& mappingTemplate, QString* error) const
+{
+    if (!IsUsableName(name))
+    {
+        if (error)
+            *error = QCoreApplication::translate("TemplateLibrary", "\"%1\" cannot be used as a template name.").arg(name);
+        return false;
+    }
+    return mappingTemplate.Save(UserPathFor(name), error);
+}
