@@ -1,0 +1,7 @@
+#include "LineEditWithMouseBroadcast.h"
+
+void LineEditWithMouseBroadcast::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    QLineEdit::mouseDoubleClickEvent(event);
+    emit mouseDoubleClickSent(event);
+}
