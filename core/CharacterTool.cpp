@@ -1,16 +1,22 @@
 #include <zelkin/CharacterTool.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <vector>
 
+#include <QAction>
 #include <QDebug>
+#include <QDir>
+#include <QVBoxLayout>
 
 #include <zelkin/Characterization.h>
 #include <zelkin/CharacterizationModel.h>
 #include <zelkin/IDCCHub.h>
-#include <zelkin/StreamInfo.h>
+#include <zelkin/ResourceBridge.h>
 
-#include "SolverCharacter.h"
+#include "CharacterToolTabWidgetNoTabBar.h"
+#include "DiagramWidget.h"
+#include "NameMatchWidget.h"
+#include "PropertyView.h"
 
 namespace
 {
@@ -19,25 +25,19 @@ QString VersionText()
     return QStringLiteral(ZELKIN_VERSION_TEXT);
 }
 
+constexpr int MinimumPanelWidth = 262;
 constexpr int FirstInlineRoll = 41;
 constexpr int LastInlineRoll = 48;
 constexpr int FirstLeafRoll = 172; // level 1, same limb order as the in-line rolls
 
-// Why the host's stream cannot be used, or empty when it can.
-QString StreamProblem(const void* buffer, int32_t length, const QStringList& boneNames)
+QDir DirectoryOf(const char* path)
 {
-    if (buffer == nullptr || length <= 0)
-        return QStringLiteral("it is empty");
-    const StreamInfo info = StreamInfo::Read(buffer, length);
-    if (!info.IsValid())
-        return StreamInfo::Describe(info.GetProblem());
-    if (boneNames.size() != ZELNodeCount)
-        return QStringLiteral("it comes with %1 bone names instead of %2").arg(boneNames.size()).arg(ZELNodeCount);
-    return QString();
+    return QDir(path != nullptr ? QString::fromLocal8Bit(path) : QString());
 }
 } // namespace
 
-CharacterTool::CharacterTool(bool batchMode, const char*, const char*, QWidget* parent, IDCCHub* hub)
+CharacterTool::CharacterTool(bool batchMode, const char* dataDirectory, const char* configurationDirectory,
+                             QWidget* parent, IDCCHub* hub)
     : QWidget(parent)
     , mHub(hub)
     , mBatchMode(batchMode)
@@ -46,8 +46,12 @@ CharacterTool::CharacterTool(bool batchMode, const char*, const char*, QWidget* 
         return;
     if (mHub != nullptr)
         mHub->setCharacterTool(this);
-    mModel = new CharacterizationModel(mHub, this);
+    mBridge = std::make_unique<ResourceBridge>(DirectoryOf(dataDirectory), DirectoryOf(configurationDirectory));
+    mModel = new CharacterizationModel(mBridge.get(), mHub, this);
     connect(mModel, SIGNAL(ModelChanged()), this, SLOT(SyncOnModel()));
+    BuildPages();
+    ShareMirrorPairs();
+    CreateCommandActions();
     emit mModel->ModelChanged();
 }
 
@@ -55,6 +59,80 @@ CharacterTool::~CharacterTool()
 {
     if (mHub != nullptr && mHub->GetCharacterTool() == this)
         mHub->setCharacterTool(nullptr);
+    // The views draw from the bridge's pictures and listen to the model: both must outlive them.
+    delete mPages;
+    delete mModel;
+}
+
+void CharacterTool::BuildPages()
+{
+    mPages = new CharacterToolTabWidgetNoTabBar(this);
+
+    QWidget* figurePage = new QWidget(mPages);
+    mDiagram = new DiagramWidget(figurePage, &mBridge->GetPictures(), mHub, mModel, this);
+    mFigureProperties = new PropertyView(figurePage, mHub, mModel);
+    mPages->addTab(CreatePage(mDiagram, mFigureProperties), tr("Figure"));
+
+    QWidget* namePage = new QWidget(mPages);
+    mNameMatch = new NameMatchWidget(namePage, mHub, &mBridge->GetPictures(), mModel, this);
+    mNameMatch->setMinimumHeight(mDiagram->minimumHeight());
+    mNameMatchProperties = new PropertyView(namePage, mHub, mModel);
+    mPages->addTab(CreatePage(mNameMatch, mNameMatchProperties), tr("Name Match"));
+
+    setCurrentViewTab(FigurePage);
+    mPages->setMinimumWidth(MinimumPanelWidth);
+    mPages->setMinimumHeight(2 * mDiagram->minimumHeight());
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(mPages);
+}
+
+QWidget* CharacterTool::CreatePage(QWidget* view, PropertyView* properties)
+{
+    QWidget* page = view->parentWidget();
+    page->setAutoFillBackground(true);
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(1, 1, 1, 1);
+    // The figure takes clicks, not the keyboard; the name match tree needs the keyboard for editing.
+    if (qobject_cast<DiagramWidget*>(view) != nullptr)
+        view->setFocusPolicy(Qt::NoFocus);
+    properties->setFocusPolicy(Qt::NoFocus);
+    layout->addWidget(view, 1);
+    layout->addWidget(properties);
+    return page;
+}
+
+void CharacterTool::CreateCommandActions()
+{
+    const auto add = [this](const QString& text, const QKeySequence& keys, const char* slot) {
+        auto* action = new QAction(text, this);
+        action->setShortcut(keys);
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        connect(action, SIGNAL(triggered()), this, slot);
+        addAction(action);
+        return action;
+    };
+    add(tr("Save Skeleton Definition..."), QKeySequence::Save, SLOT(OnSave()));
+    add(tr("Load Skeleton Definition..."), QKeySequence::Open, SLOT(OnLoad()));
+    add(tr("Apply Mapping Template..."), QKeySequence(Qt::CTRL | Qt::Key_T), SLOT(AutoMatch()));
+    add(tr("Extract Mapping Template..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T), SLOT(ExtractTemplate()));
+    add(tr("Mirror Configuration..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_M), SLOT(ConfigMirror()));
+    mMirrorAction = add(tr("Mirror Matching"), QKeySequence(Qt::CTRL | Qt::Key_M), SLOT(ToggleMirrorMode()));
+    mMirrorAction->setCheckable(true);
+    mLockAction = add(tr("Lock Characterization"), QKeySequence(Qt::CTRL | Qt::Key_L), SLOT(ToggleEditMode()));
+    mLockAction->setCheckable(true);
+    auto* nextPage = new QAction(tr("Switch Page"), this);
+    nextPage->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Tab));
+    nextPage->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    connect(nextPage, &QAction::triggered, this, [this] { setCurrentViewTab(1 - currentViewTab()); });
+    addAction(nextPage);
+}
+
+void CharacterTool::ShareMirrorPairs()
+{
+    mDiagram->GetAssignment().SetMirrorMatcher(mModel->GetMirrorMatcher());
+    mNameMatch->GetAssignment().SetMirrorMatcher(mModel->GetMirrorMatcher());
 }
 
 QString CharacterTool::GetToolName()
@@ -77,6 +155,39 @@ double CharacterTool::GetToolVersion()
 Characterization* CharacterTool::GetCharacterization() const
 {
     return mModel != nullptr ? mModel->GetCurrentCharacterization().get() : nullptr;
+}
+
+int CharacterTool::currentViewTab() const
+{
+    return mPages != nullptr ? mPages->currentIndex() : -1;
+}
+
+void CharacterTool::setCurrentViewTab(int index)
+{
+    if (mPages != nullptr && index >= 0 && index < mPages->count())
+        mPages->setCurrentIndex(index);
+}
+
+PropertyView* CharacterTool::GetPropertyView(int page) const
+{
+    return page == FigurePage ? mFigureProperties : page == NameMatchPage ? mNameMatchProperties : nullptr;
+}
+
+void CharacterTool::AddAction(QAction* action)
+{
+    if (action == nullptr || mModel == nullptr)
+        return;
+    if (action->shortcutContext() == Qt::WindowShortcut)
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    addAction(action);
+}
+
+QSize CharacterTool::sizeHint() const
+{
+    if (mPages == nullptr)
+        return QWidget::sizeHint();
+    // Wide enough for the property view's labels and values, tall enough for the figure over them.
+    return QSize(std::max(mPages->minimumWidth(), mPages->sizeHint().width()), mPages->minimumHeight());
 }
 
 bool CharacterTool::CreateCharacterization(const QString& name)
@@ -139,6 +250,7 @@ bool CharacterTool::DoToggleEditMode(bool readOnly)
         ShowMessage(QMessageBox::Warning, tr("Validation Warning"),
                     tr("Your characterization is not yet valid.\nOnly valid characterizations can be locked."),
                     QMessageBox::Ok, QMessageBox::Ok);
+        SyncOnModel(); // a checkable lock action must not stay checked
         return false;
     }
     const std::vector<int> unsync = mModel->GetUnsyncNodes();
@@ -147,7 +259,10 @@ bool CharacterTool::DoToggleEditMode(bool readOnly)
                     tr("One or more bones in the current characterization cannot be found in the skeleton.\n"
                        "All invalid nodes will be cleared from the characterization."),
                     QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Ok) != QMessageBox::Ok)
+    {
+        SyncOnModel();
         return false;
+    }
     mModel->SetEditMode(true, unsync);
     return true;
 }
@@ -160,8 +275,10 @@ void CharacterTool::ToggleMirrorMode()
 
 void CharacterTool::DoToggleMirrorMode(bool mirror)
 {
-    if (mModel != nullptr)
-        mModel->SetMirrorMode(mirror);
+    if (mModel == nullptr)
+        return;
+    mModel->SetMirrorMode(mirror);
+    SyncOnModel();
 }
 
 void CharacterTool::ClearCharacterization()
@@ -175,6 +292,10 @@ void CharacterTool::SyncOnModel()
     const Characterization* current = GetCharacterization();
     setWindowTitle(current != nullptr ? current->GetName() : QString());
     setStatusTip(mModel != nullptr ? mModel->GetLastOperationText() : QString());
+    if (mMirrorAction != nullptr)
+        mMirrorAction->setChecked(mModel->IsMirrorMode());
+    if (mLockAction != nullptr)
+        mLockAction->setChecked(mModel->IsLocked());
 }
 
 int CharacterTool::DeprecateInlineRollBones()
@@ -200,50 +321,6 @@ int CharacterTool::DeprecateInlineRollBones()
     return rewritten;
 }
 
-bool CharacterTool::GetCharacterizationStream(void*& buffer, int32_t& length, QStringList& boneNames,
-                                              bool bigEndian) const
-{
-    const Characterization* current = GetCharacterization();
-    if (current == nullptr)
-        return false;
-    const SolverCharacter character(*current);
-    if (character.Get() == nullptr)
-        return false;
-    int32_t written = 0;
-    void* stream = ZELCharacterizationStreamWrite(&written, &character.GetDefinition(), character.Get(), bigEndian,
-                                                  std::malloc, std::free);
-    if (stream == nullptr)
-        return false;
-    buffer = stream;
-    length = written;
-    boneNames = current->GetBoneNames();
-    return true;
-}
-
-bool CharacterTool::SetCharacterizationFromStream(const void* buffer, int32_t length, const QStringList& boneNames)
-{
-    if (GetCharacterization() == nullptr)
-        return false;
-    QString problem = StreamProblem(buffer, length, boneNames);
-    Characterization rebuilt;
-    if (problem.isEmpty())
-    {
-        ZELCharacterDefinition definition {};
-        ZELCharacter* character = ZELCharacterizationStreamRead(&definition, buffer, length, std::malloc, std::free);
-        if (character == nullptr)
-            problem = QStringLiteral("the solver could not rebuild its character");
-        else if (!ReadCharacterization(definition, character, boneNames, rebuilt))
-            problem = QStringLiteral("its bone names do not match the nodes it uses");
-        ZELCharacterDestroy(character, std::free);
-    }
-    if (!problem.isEmpty())
-    {
-        qWarning().noquote() << QStringLiteral("The characterization stream was not read: %1.").arg(problem);
-        return false;
-    }
-    return mModel->ReplaceCurrentContent(rebuilt);
-}
-
 QMessageBox::StandardButton CharacterTool::ShowMessage(QMessageBox::Icon icon, const QString& title,
                                                        const QString& text, QMessageBox::StandardButtons buttons,
                                                        QMessageBox::StandardButton batchAnswer)
@@ -255,4 +332,9 @@ QMessageBox::StandardButton CharacterTool::ShowMessage(QMessageBox::Icon icon, c
     }
     QMessageBox box(icon, title, text, buttons, this);
     return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+
+void CharacterTool::ShowError(const QString& title, const QString& text)
+{
+    ShowMessage(QMessageBox::Warning, title, text, QMessageBox::Ok, QMessageBox::Ok);
 }

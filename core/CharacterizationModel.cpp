@@ -37,13 +37,6 @@ void PullHostGeometry(Characterization& characterization, const IDCCHub& hub)
     }
 }
 
-// A namespace ("ns:Bone") or path ("root|Bone") in front of a bone name is not part of its role.
-QString BareBoneName(const QString& bone)
-{
-    const int cut = std::max(bone.lastIndexOf(QLatin1Char(':')), bone.lastIndexOf(QLatin1Char('|')));
-    return bone.mid(cut + 1);
-}
-
 bool IsInvertibleBone(int invertibleBone)
 {
     return invertibleBone >= IDCCHub::LeftKnee && invertibleBone <= IDCCHub::RightElbow;
@@ -66,8 +59,14 @@ struct CharacterizationModel::BusyScope
 };
 
 CharacterizationModel::CharacterizationModel(IDCCHub* hub, QObject* parent)
+    : CharacterizationModel(nullptr, hub, parent)
+{
+}
+
+CharacterizationModel::CharacterizationModel(ResourceBridge* bridge, IDCCHub* hub, QObject* parent)
     : QObject(parent)
     , mHub(hub)
+    , mBridge(bridge)
     , mTimer(new QTimer(this))
     , mLastOperation(tr("No previous operation."))
     , mRules(std::make_unique<ValidationRun>())
@@ -75,6 +74,7 @@ CharacterizationModel::CharacterizationModel(IDCCHub* hub, QObject* parent)
     // A working characterization the host has not been told about: the host's own list replaces it.
     mCharacterizations.push_back(std::make_shared<Characterization>(Characterization::DefaultName()));
     mCurrent = 0;
+    ReloadMirrorPairs();
     if (mHub == nullptr)
         return;
     connect(mHub, SIGNAL(NameChanged(const QString&, const QString&)), this,
@@ -242,6 +242,29 @@ bool CharacterizationModel::ReplaceCurrentContent(const Characterization& conten
     return true;
 }
 
+bool CharacterizationModel::ImportIntoCurrent(const Characterization& content)
+{
+    if (!IsEditable())
+        return false;
+    const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
+    for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
+    {
+        if (current->IsAssigned(nodeId))
+            Detach(*current, nodeId, false);
+    }
+    for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
+    {
+        if (content.IsAssigned(nodeId))
+            Attach(nodeId, content.GetBone(nodeId));
+    }
+    for (int limb = 0; limb < ZELLimbCount; ++limb)
+    {
+        if (mHub != nullptr && content.IsInverted(limb) != current->IsInverted(limb))
+            mHub->UpdateDccBoneInvertedState(limb, content.IsInverted(limb));
+    }
+    return ReplaceCurrentContent(content);
+}
+
 bool CharacterizationModel::IsEditable() const
 {
     const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
@@ -252,7 +275,15 @@ bool CharacterizationModel::AssignBone(int nodeId, const QString& bone)
 {
     if (bone.isEmpty())
         return ClearNode(nodeId);
-    return AssignBones({{nodeId, bone}});
+    std::vector<Assignment> batch {{nodeId, bone}};
+    if (mMirrorMode && mHub != nullptr)
+    {
+        const auto exists = [this](const QString& name) { return mHub->BoneExists(name); };
+        const MirrorMatcher::Mirrored mirrored = mMirror.MirrorAssignment(nodeId, bone, exists);
+        if (mirrored.IsValid())
+            batch.emplace_back(mirrored.nodeId, mirrored.bone);
+    }
+    return AssignBones(batch);
 }
 
 bool CharacterizationModel::AssignBones(const std::vector<Assignment>& assignments)
@@ -436,26 +467,6 @@ void CharacterizationModel::ClearAll()
         Detach(*current, nodeId, false);
     mLastOperation = tr("Cleared all nodes.");
     Update();
-}
-
-void CharacterizationModel::AutoMatch()
-{
-    QStringList sceneBones;
-    if (!IsEditable() || mHub == nullptr || !mHub->GetSceneBones(sceneBones))
-        return;
-    const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
-    std::array<bool, ZELNodeCount> taken {};
-    std::vector<Assignment> matches;
-    for (const QString& bone : sceneBones)
-    {
-        const int nodeId = BoneCatalogue::NodeId(BareBoneName(bone).toLatin1().constData());
-        if (!BoneCatalogue::IsValidNode(nodeId) || taken[nodeId] || current->IsAssigned(nodeId) ||
-            current->FindNode(bone) >= 0)
-            continue;
-        taken[nodeId] = true;
-        matches.emplace_back(nodeId, bone);
-    }
-    AssignBones(matches);
 }
 
 bool CharacterizationModel::SetCurrentCharacterization(int index)

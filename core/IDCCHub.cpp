@@ -160,6 +160,30 @@ void IDCCHub::MirrorMatching()
         mTool->ToggleMirrorMode();
 }
 
+void IDCCHub::ShowMapBones()
+{
+    if (Model() != nullptr)
+        mTool->AutoMatch();
+}
+
+void IDCCHub::ShowConfigureMirrorMatching()
+{
+    if (Model() != nullptr)
+        mTool->ConfigMirror();
+}
+
+void IDCCHub::ShowSaveCharacterization()
+{
+    if (Model() != nullptr)
+        mTool->OnSave();
+}
+
+void IDCCHub::ShowExtractMappingTemplate()
+{
+    if (Model() != nullptr)
+        mTool->ExtractTemplate();
+}
+
 bool IDCCHub::IsMirrorToggle() const
 {
     const CharacterizationModel* model = Model();

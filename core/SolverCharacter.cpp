@@ -3,8 +3,8 @@
 #include <array>
 #include <cstdlib>
 
-SolverCharacter::SolverCharacter(const Characterization& characterization)
-    : mDefinition(characterization.BuildDefinition(true))
+SolverCharacter::SolverCharacter(const Characterization& characterization, bool storedFlags)
+    : mDefinition(characterization.BuildDefinition(storedFlags))
 {
     mCharacter = ZELCharacterCreate(&mDefinition, std::malloc);
     if (mCharacter == nullptr)

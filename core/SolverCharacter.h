@@ -10,7 +10,8 @@
 class SolverCharacter
 {
 public:
-    explicit SolverCharacter(const Characterization& characterization);
+    // storedFlags false: bit 0 alone for each mapped node, so no node carries full joint geometry.
+    explicit SolverCharacter(const Characterization& characterization, bool storedFlags = true);
     ~SolverCharacter();
     SolverCharacter(const SolverCharacter&) = delete;
     SolverCharacter& operator=(const SolverCharacter&) = delete;

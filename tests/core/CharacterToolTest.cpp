@@ -11,10 +11,13 @@
 #include <zelkin/IDCCHub.h>
 
 #include "ModalAnswerer.h"
+#include "PrivateAppData.h"
 #include "TestHub.h"
 #include "TestScenes.h"
 
 namespace {
+
+testing::Environment* const gAppData = testing::AddGlobalTestEnvironment(new PrivateAppData);
 
 const QString kDefault = QStringLiteral("New Characterization");
 
@@ -215,12 +218,6 @@ INSTANTIATE_TEST_SUITE_P(ByteOrders, StreamRoundTrip, testing::Values(false, tru
                              return std::string(info.param ? "BigEndian" : "LittleEndian");
                          });
 
-int gWarnings = 0;
-void CountWarnings(QtMsgType type, const QMessageLogContext&, const QString&)
-{
-    gWarnings += type == QtWarningMsg ? 1 : 0;
-}
-
 TEST_F(Panel, ARejectedStreamChangesNothingAndSaysSoOnce)
 {
     MapAll();
@@ -232,24 +229,32 @@ TEST_F(Panel, ARejectedStreamChangesNothingAndSaysSoOnce)
     model->AssignBone(15, QStringLiteral("rig:Head"));
     const Characterization before = *tool->GetCharacterization();
 
-    const QtMessageHandler previous = qInstallMessageHandler(CountWarnings);
     const int32_t cuts[] = {0, 7, 8, 855, length - 17, length - 1};
     for (int32_t cut : cuts)
     {
-        gWarnings = 0;
+        ModalAnswerer answerer(QMessageBox::Ok);
         EXPECT_FALSE(tool->SetCharacterizationFromStream(buffer, cut, names)) << cut;
-        EXPECT_EQ(gWarnings, 1) << cut;
+        EXPECT_EQ(answerer.Count(), 1) << cut;
+        EXPECT_EQ(answerer.titles.value(0), QStringLiteral("Load Error"));
     }
     QStringList shifted = names;
     shifted.move(0, 211); // node 0 is unmapped: the names no longer line up with the used nodes
+    ModalAnswerer answerer(QMessageBox::Ok);
     EXPECT_FALSE(tool->SetCharacterizationFromStream(buffer, length, shifted));
     EXPECT_FALSE(tool->SetCharacterizationFromStream(buffer, length, names.mid(0, 100)));
     static_cast<unsigned char*>(buffer)[0] ^= 0xff;
     EXPECT_FALSE(tool->SetCharacterizationFromStream(buffer, length, names));
-    qInstallMessageHandler(previous);
+    EXPECT_EQ(answerer.Count(), 3);
+    EXPECT_TRUE(answerer.texts.value(2).contains(QStringLiteral("not a characterization file")));
 
     EXPECT_EQ(*tool->GetCharacterization(), before);
     std::free(buffer);
+}
+
+int gWarnings = 0;
+void CountWarnings(QtMsgType type, const QMessageLogContext&, const QString&)
+{
+    gWarnings += type == QtWarningMsg ? 1 : 0;
 }
 
 TEST(CharacterToolBatch, RefusesWithoutOpeningABox)

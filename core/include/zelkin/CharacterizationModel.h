@@ -8,15 +8,22 @@
 #include <vector>
 
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
 #include <zelkin/Characterization.h>
 #include <zelkin/CharacterizationExport.h>
+#include <zelkin/MirrorMatcher.h>
+#include <zelkin/NameMatcher.h>
 #include <zelkin/ValidationLog.h>
 
 class IDCCHub;
+class MappingTemplate;
 class QTimer;
+class ResourceBridge;
+class TemplateChooser;
+class TemplateLibrary;
 class ValidationRun;
 
 // The characterizations the tool edits, the current one, its validation marks, the edited part and the edit and
@@ -32,11 +39,14 @@ public:
     static constexpr int NoPart = -1;
     static constexpr int GeometryCheckInterval = 1000; // ms
 
-    // Without a hub the model follows no host and runs no geometry check.
+    // Without a hub the model follows no host and runs no geometry check. Without a bridge it matches names with
+    // the default settings and the templates of the per-user folder, and mirrors by "Right"/"Left" alone.
     explicit CharacterizationModel(IDCCHub* hub, QObject* parent = nullptr);
+    CharacterizationModel(ResourceBridge* bridge, IDCCHub* hub, QObject* parent = nullptr);
     ~CharacterizationModel() override;
 
     IDCCHub* GetHub() const { return mHub; }
+    ResourceBridge* GetBridge() const { return mBridge; }
 
     const CharacterizationList& GetCharacterizations() const { return mCharacterizations; }
     QStringList GetCharacterizationNames() const;
@@ -54,10 +64,16 @@ public:
     bool DeleteCharacterization(int index);
     // Follows the host's list of character names: drops the others, adds the missing ones, takes the host's order.
     void SyncCharacterizationList(const QStringList& names);
-    // Replaces the current characterization's mapping, geometry and flags, keeping its name and lock.
+    // Replaces the current characterization's mapping, geometry and flags, keeping its name and lock. The host is
+    // not told: it is for restoring what the host itself stored.
     bool ReplaceCurrentContent(const Characterization& content);
+    // The same for a mapping from elsewhere (a file): the host detaches the old bones and attaches the new ones.
+    // Refused while the characterization is locked.
+    bool ImportIntoCurrent(const Characterization& content);
 
-    // Assignment on the current characterization; all refused while it is locked.
+    // Assignment on the current characterization; all refused while it is locked. In mirror mode AssignBone also
+    // gives the counterpart bone to the opposite node (AssignBones never mirrors: callers that ask the user first
+    // mirror for themselves, see GetMirrorMatcher).
     bool AssignBone(int nodeId, const QString& bone);
     // One validation for the whole batch; an empty bone clears its node.
     bool AssignBones(const std::vector<Assignment>& assignments);
@@ -66,6 +82,27 @@ public:
     QString GetAssignedBone(int nodeId) const;
     // Mapped nodes whose bones the host no longer has.
     std::vector<int> GetUnsyncNodes() const;
+
+    // The keyword pairs of the configuration ("mirror_list"/"mirror"), read again after they were edited.
+    const MirrorMatcher& GetMirrorMatcher() const { return mMirror; }
+    void ReloadMirrorPairs();
+
+    // Name matching as the configuration sets it.
+    NameMatcher::MatchType GetMatchType() const;
+    QStringList GetNameDelimiters() const;
+    // The longest start that all the bones share, cut back to its last delimiter so that it never ends inside a
+    // word ("mixamorig:" for "mixamorig:Hips" and "mixamorig:Spine", "" for "LeftArm" and "LeftLeg").
+    QString CommonBonePrefix(const QStringList& bones) const;
+    // Maps the offered bones (scene order, parents first) by the template. Bones that some node already holds
+    // keep it. The number of nodes that got a bone; -1 when the characterization cannot be edited.
+    int ApplyTemplate(const MappingTemplate& mappingTemplate, NameMatcher::MatchType type,
+                      const QStringList& offeredBones, const QString& prefix);
+    // The shipped templates and those of the configuration's template folder.
+    TemplateLibrary GetTemplateLibrary() const;
+    // The template that maps the most of the scene (required nodes first), over every scene bone.
+    std::unique_ptr<TemplateChooser> CreateTemplateChooser() const;
+    // Scene bones (in scene order) without children.
+    QSet<QString> GetLeafBones(const QStringList& sceneBones) const;
 
     // invertibleBone: an IDCCHub::InvertibleBone value.
     bool IsInverted(int invertibleBone) const;
@@ -98,7 +135,7 @@ public slots:
     void RemoveCharacterizationNode(const QString& name);
     void RenameCharacterization(const QString& newName, const QString& oldName);
     void ClearAll();
-    // Maps scene bones whose names, without a namespace, are node names onto free nodes.
+    // Applies the template that fits the scene best (TemplateChooser) to every scene bone.
     void AutoMatch();
     bool SetCurrentCharacterization(int index);
     void SetEditMode(bool readOnly, std::vector<int> unsyncNodeToClear = std::vector<int>());
@@ -125,6 +162,7 @@ private:
     void Notify();
 
     IDCCHub* mHub = nullptr;
+    ResourceBridge* mBridge = nullptr;
     CharacterizationList mCharacterizations;
     int mCurrent = -1;
     std::array<int32_t, ZELNodeCount> mMarks {};
@@ -135,6 +173,7 @@ private:
     int mEditedPart = NoPart;
     QTimer* mTimer = nullptr;
     bool mMirrorMode = false;
+    MirrorMatcher mMirror;
     bool mBusy = false;
     bool mChanged = false;
     QString mLastOperation;

@@ -91,6 +91,11 @@ public:
     bool IsLocked() const;
     void MirrorMatching();
     bool IsMirrorToggle() const;
+    // Menu entries of the host: each opens the panel's dialog for it.
+    void ShowMapBones();
+    void ShowConfigureMirrorMatching();
+    void ShowSaveCharacterization();
+    void ShowExtractMappingTemplate();
 
     bool GetCharacterList(QList<QString>& names) const;
     void UpdateCharacterList(const QList<QString>& names);

@@ -1,0 +1,109 @@
+// Name matching by templates and mirror pairs: the model's side of the template and mirror commands.
+#include <zelkin/CharacterizationModel.h>
+
+#include <algorithm>
+
+#include <zelkin/IDCCHub.h>
+#include <zelkin/MappingTemplate.h>
+#include <zelkin/ResourceBridge.h>
+#include <zelkin/TemplateChooser.h>
+#include <zelkin/TemplateLibrary.h>
+#include <zelkin/UserConfiguration.h>
+
+void CharacterizationModel::ReloadMirrorPairs()
+{
+    if (mBridge != nullptr)
+        mMirror.Load(mBridge->GetConfiguration().Document());
+    else
+        mMirror.SetPairs({});
+}
+
+NameMatcher::MatchType CharacterizationModel::GetMatchType() const
+{
+    return mBridge != nullptr ? mBridge->GetConfiguration().MatchType() : NameMatcher::Suffix;
+}
+
+QStringList CharacterizationModel::GetNameDelimiters() const
+{
+    return mBridge != nullptr ? mBridge->GetConfiguration().Delimiters() : UserConfiguration::BuiltInDelimiters();
+}
+
+QString CharacterizationModel::CommonBonePrefix(const QStringList& bones) const
+{
+    if (bones.isEmpty())
+        return QString();
+    QString common = bones.front();
+    for (const QString& bone : bones)
+    {
+        int length = 0;
+        while (length < common.size() && length < bone.size() && common[length] == bone[length])
+            ++length;
+        common.truncate(length);
+    }
+    int end = 0;
+    for (const QString& delimiter : GetNameDelimiters())
+    {
+        const int at = delimiter.isEmpty() ? -1 : common.lastIndexOf(delimiter);
+        if (at >= 0)
+            end = std::max(end, int(at + delimiter.size()));
+    }
+    return common.left(end);
+}
+
+int CharacterizationModel::ApplyTemplate(const MappingTemplate& mappingTemplate, NameMatcher::MatchType type,
+                                         const QStringList& offeredBones, const QString& prefix)
+{
+    if (!IsEditable())
+        return -1;
+    const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
+    NameMatcher::TakenNodes taken {};
+    for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
+        taken[nodeId] = current->IsAssigned(nodeId);
+    const NameMatcher matcher(mappingTemplate, type, GetNameDelimiters());
+    std::vector<Assignment> batch;
+    for (const NameMatcher::Assignment& match : matcher.Match(offeredBones, prefix, taken))
+    {
+        // Applying a template again, or over a hand-made start, must not pull bones away from their nodes.
+        if (current->FindNode(match.bone) < 0)
+            batch.emplace_back(match.nodeId, match.bone);
+    }
+    AssignBones(batch);
+    return static_cast<int>(batch.size());
+}
+
+TemplateLibrary CharacterizationModel::GetTemplateLibrary() const
+{
+    return mBridge != nullptr ? mBridge->GetTemplates() : TemplateLibrary(UserConfiguration::TemplateDirectory());
+}
+
+std::unique_ptr<TemplateChooser> CharacterizationModel::CreateTemplateChooser() const
+{
+    return std::make_unique<TemplateChooser>(GetTemplateLibrary(), GetMatchType(), GetNameDelimiters());
+}
+
+QSet<QString> CharacterizationModel::GetLeafBones(const QStringList& sceneBones) const
+{
+    if (mHub == nullptr)
+        return QSet<QString>(sceneBones.begin(), sceneBones.end());
+    QSet<QString> parents;
+    for (const QString& bone : sceneBones)
+        parents.insert(mHub->GetBoneParent(bone));
+    QSet<QString> leaves;
+    for (const QString& bone : sceneBones)
+    {
+        if (!parents.contains(bone))
+            leaves.insert(bone);
+    }
+    return leaves;
+}
+
+void CharacterizationModel::AutoMatch()
+{
+    QStringList sceneBones;
+    if (!IsEditable() || mHub == nullptr || !mHub->GetSceneBones(sceneBones) || sceneBones.isEmpty())
+        return;
+    const TemplateChooser::Result best = CreateTemplateChooser()->Choose(sceneBones, GetLeafBones(sceneBones));
+    MappingTemplate chosen;
+    if (best.IsValid() && GetTemplateLibrary().Load(best.templateName, chosen))
+        ApplyTemplate(chosen, GetMatchType(), sceneBones, QString());
+}
