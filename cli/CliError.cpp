@@ -4,7 +4,8 @@
 
 int CliError::Report() const
 {
-    std::fprintf(stderr, "zelkin: %s\n", qPrintable(message));
+    // Reasons from readers and importers may span lines; scripts read stderr one line per failure.
+    std::fprintf(stderr, "zelkin: %s\n", qPrintable(message.simplified()));
     return status;
 }
 

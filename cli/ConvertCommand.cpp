@@ -1,36 +1,40 @@
 #include "ConvertCommand.h"
 
-#include <cstdlib>
-
-#include <zelkin/ZELSolver.h>
-
+#include "Arguments.h"
+#include "CharacterizationFile.h"
 #include "CliError.h"
-#include "StreamFile.h"
+#include "OutputFiles.h"
+
+namespace
+{
+const QString Usage = QStringLiteral("usage: zelkin convert IN OUT [--big-endian] (each a .zelc or .xml file)");
+} // namespace
 
 int runConvert(const QStringList& arguments)
 {
-    QStringList rest = arguments;
-    const bool bigEndian = rest.removeAll(QStringLiteral("--big-endian")) > 0;
-    if (rest.size() != 2 || rest[0].startsWith(QLatin1Char('-')) || rest[1].startsWith(QLatin1Char('-')))
-        return fail(QStringLiteral("usage: zelkin convert IN.zelc OUT.zelc [--big-endian]"));
+    const Arguments parsed(arguments, {"--big-endian"}, {});
+    if (!parsed.Error().isEmpty())
+        return fail(QStringLiteral("%1 (%2)").arg(parsed.Error(), Usage));
+    if (parsed.Positionals().size() != 2)
+        return fail(Usage);
+    const QString& output = parsed.Positionals()[1];
+    const bool bigEndian = parsed.Has(QStringLiteral("--big-endian"));
+    if (bigEndian && CharacterizationFile::FormatOf(output) != CharacterizationFile::Stream)
+        return fail(QStringLiteral("--big-endian needs a .zelc output"));
 
-    const StreamFile input = StreamFile::Load(rest[0]);
+    const CharacterizationFile input = CharacterizationFile::Load(parsed.Positionals()[0]);
     if (!input.error.isEmpty())
         return fail(input.error);
-
-    ZELCharacterDefinition definition {};
-    ZELCharacter* character = ZELCharacterizationStreamRead(&definition, input.bytes.constData(),
-                                                            static_cast<int32_t>(input.bytes.size()), std::malloc,
-                                                            std::free);
-    if (!character)
-        return fail(QStringLiteral("%1: not a characterization file").arg(rest[0]));
-    int32_t length = 0;
-    void* stream = ZELCharacterizationStreamWrite(&length, &definition, character, bigEndian, std::malloc, std::free);
-    ZELCharacterDestroy(character, std::free);
-    if (!stream)
-        return fail(QStringLiteral("out of memory while writing %1").arg(rest[1]));
-
-    const QString error = StreamFile::Save(rest[1], stream, length);
-    std::free(stream);
-    return error.isEmpty() ? 0 : fail(error);
+    OutputFiles files;
+    QString error = CharacterizationFile::Render(input.characterization, input.hasBoneNames, output, bigEndian, files);
+    if (error.isEmpty())
+        error = files.Commit();
+    if (!error.isEmpty())
+        return fail(error);
+    const QString lost = CharacterizationFile::FormatOf(output) == CharacterizationFile::Xml
+                             ? CharacterizationFile::LostInXml(input.characterization)
+                             : QString();
+    if (!lost.isEmpty())
+        CliError {lost, 0}.Report();
+    return 0;
 }

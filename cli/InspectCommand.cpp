@@ -11,6 +11,7 @@
 #include <zelkin/CharacterJointGeometry.h>
 #include <zelkin/ZELSolver.h>
 
+#include "Arguments.h"
 #include "CliError.h"
 #include "StreamFile.h"
 
@@ -121,12 +122,13 @@ void printText(const QString& path, const StreamFile& file, const StreamContents
 
 int runInspect(const QStringList& arguments)
 {
-    QStringList rest = arguments;
-    const bool json = rest.removeAll(QStringLiteral("--json")) > 0;
-    if (rest.size() != 1 || rest.first().startsWith(QLatin1Char('-')))
+    const Arguments parsed(arguments, {"--json"}, {});
+    if (!parsed.Error().isEmpty() || parsed.Positionals().size() != 1)
         return fail(QStringLiteral("usage: zelkin inspect FILE.zelc [--json]"));
+    const QString& path = parsed.Positionals().first();
+    const bool json = parsed.Has(QStringLiteral("--json"));
 
-    const StreamFile file = StreamFile::Load(rest.first());
+    const StreamFile file = StreamFile::Load(path);
     if (!file.error.isEmpty())
         return fail(file.error);
 
@@ -135,7 +137,7 @@ int runInspect(const QStringList& arguments)
                                                             static_cast<int32_t>(file.bytes.size()), std::malloc,
                                                             std::free);
     if (!character)
-        return fail(QStringLiteral("%1: not a characterization file").arg(rest.first()));
+        return fail(QStringLiteral("%1: not a characterization file").arg(path));
     ZELCharacterGetJointGeometries(&contents.definition, character, contents.records.data(), ZELNodeCount,
                                    contents.limbFlags);
     ZELCharacterDestroy(character, std::free);
@@ -143,6 +145,6 @@ int runInspect(const QStringList& arguments)
     if (json)
         printJson(file, contents);
     else
-        printText(rest.first(), file, contents);
+        printText(path, file, contents);
     return 0;
 }

@@ -1,7 +1,6 @@
 #include "StreamFile.h"
 
 #include <QFile>
-#include <QSaveFile>
 
 namespace
 {
@@ -33,14 +32,4 @@ StreamFile StreamFile::Load(const QString& path)
     if (!file.info.IsValid())
         file.error = QStringLiteral("%1: %2").arg(path, StreamInfo::Describe(file.info.GetProblem()));
     return file;
-}
-
-QString StreamFile::Save(const QString& path, const void* bytes, qint64 length)
-{
-    QSaveFile output(path);
-    if (!output.open(QIODevice::WriteOnly))
-        return QStringLiteral("%1: cannot be written (%2)").arg(path, output.errorString());
-    if (output.write(static_cast<const char*>(bytes), length) != length || !output.commit())
-        return QStringLiteral("%1: cannot be written (%2)").arg(path, output.errorString());
-    return QString();
 }

@@ -13,6 +13,4 @@ struct StreamFile
     QString error; // empty when the stream can be read
 
     static StreamFile Load(const QString& path);
-    // Atomic: a failed write leaves any previous file untouched. Returns an error line, empty on success.
-    static QString Save(const QString& path, const void* bytes, qint64 length);
 };

@@ -2,21 +2,60 @@
 
 #include <QCoreApplication>
 
+#include "CharacterizeCommand.h"
 #include "CliError.h"
 #include "ConvertCommand.h"
 #include "InspectCommand.h"
+#include "TemplatesCommand.h"
+#include "ValidateCommand.h"
 
 namespace
 {
-const char* const Usage = "usage: zelkin COMMAND [ARGUMENTS]\n"
-                          "\n"
-                          "commands:\n"
-                          "  inspect FILE.zelc [--json]         byte order, version, used nodes, limb flags, records\n"
-                          "  convert IN OUT [--big-endian]      rewrite a .zelc stream in either byte order\n";
+const char* const Usage =
+    "usage: zelkin COMMAND [ARGUMENTS]\n"
+    "\n"
+    "commands:\n"
+    "  characterize SKELETON [--template NAME|FILE] [--match suffix|contains] [--prefix P]\n"
+    "               [-o OUT.zelc|OUT.xml] [--big-endian] [--json]\n"
+    "                                     map a skeleton's bones to nodes, validate, write\n"
+    "  validate FILE.zelc|FILE.xml [--skeleton SKELETON] [--json]\n"
+    "                                     validate a saved characterization\n"
+    "  inspect FILE.zelc [--json]         byte order, version, used nodes, limb flags, records\n"
+    "  convert IN OUT [--big-endian]      between .zelc (either byte order) and .xml\n"
+    "  templates                          the shipped and user mapping templates\n"
+    "\n"
+    "exit status: 0 valid or warnings only, 2 validation error, 1 bad input or I/O failure\n";
+
+using Command = int (*)(const QStringList&);
+
+// The library's diagnostics are for its developers (a file it refuses comes back to us as an error anyway);
+// printed, they would break the promise of one line on stderr per failure.
+void DropDiagnostics(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    if (type == QtFatalMsg)
+        std::fprintf(stderr, "zelkin: %s\n", qPrintable(message.simplified()));
+}
+
+Command Find(const QString& name)
+{
+    static const struct
+    {
+        const char* name;
+        Command run;
+    } commands[] = {{"characterize", runCharacterize}, {"validate", runValidate}, {"inspect", runInspect},
+                    {"convert", runConvert},           {"templates", runTemplates}};
+    for (const auto& command : commands)
+    {
+        if (name == QLatin1String(command.name))
+            return command.run;
+    }
+    return nullptr;
+}
 } // namespace
 
 int main(int argc, char** argv)
 {
+    qInstallMessageHandler(DropDiagnostics);
     QCoreApplication application(argc, argv);
     QStringList arguments = QCoreApplication::arguments().mid(1);
     if (arguments.isEmpty() || arguments.first() == QLatin1String("--help") || arguments.first() == QLatin1String("-h"))
@@ -24,10 +63,7 @@ int main(int argc, char** argv)
         std::fputs(Usage, arguments.isEmpty() ? stderr : stdout);
         return arguments.isEmpty() ? CliError::BadInput : 0;
     }
-    const QString command = arguments.takeFirst();
-    if (command == QLatin1String("inspect"))
-        return runInspect(arguments);
-    if (command == QLatin1String("convert"))
-        return runConvert(arguments);
-    return fail(QStringLiteral("unknown command \"%1\" (see zelkin --help)").arg(command));
+    const QString name = arguments.takeFirst();
+    const Command run = Find(name);
+    return run != nullptr ? run(arguments) : fail(QStringLiteral("unknown command \"%1\" (see zelkin --help)").arg(name));
 }

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QStringList>
+
+// zelkin characterize SKELETON [--template NAME|FILE] [--match suffix|contains] [--prefix P]
+//                     [-o OUT.zelc|OUT.xml] [--big-endian] [--json]
+int runCharacterize(const QStringList& arguments);

@@ -1,0 +1,76 @@
+#include "SkeletonMapping.h"
+
+#include <QFileInfo>
+
+#include <zelkin/CharacterizationModel.h>
+#include <zelkin/IDCCHub.h>
+#include <zelkin/MappingTemplate.h>
+#include <zelkin/TemplateChooser.h>
+#include <zelkin/TemplateLibrary.h>
+
+namespace
+{
+// A path, not a library name, when it looks like one: library names never hold '/' or end in ".xml".
+bool NamesFile(const QString& argument)
+{
+    return argument.contains(QLatin1Char('/')) || argument.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive);
+}
+
+bool LoadTemplate(const CharacterizationModel& model, const QString& argument, MappingTemplate& loaded,
+                  QString& error)
+{
+    QString problem;
+    if (NamesFile(argument))
+    {
+        if (!QFileInfo(argument).isFile())
+            error = QStringLiteral("%1: no such template file").arg(argument);
+        else if (!loaded.Load(argument, &problem))
+            error = QStringLiteral("%1: not a mapping template (%2)").arg(argument, problem);
+        return error.isEmpty();
+    }
+    const TemplateLibrary library = model.GetTemplateLibrary();
+    if (!library.Contains(argument))
+        error = QStringLiteral("no template named \"%1\" (zelkin templates lists them)").arg(argument);
+    else if (!library.Load(argument, loaded, &problem))
+        error = QStringLiteral("template \"%1\" cannot be read (%2)").arg(argument, problem);
+    return error.isEmpty();
+}
+} // namespace
+
+bool SkeletonMapping::Apply(CharacterizationModel& model, ValidationReport::Mapping& mapping, QString& error) const
+{
+    QStringList sceneBones;
+    model.GetHub()->GetSceneBones(sceneBones);
+    const QStringList offered = prefix.isEmpty() ? sceneBones : NameMatcher::BonesWithPrefix(sceneBones, prefix);
+    if (offered.isEmpty())
+    {
+        error = QStringLiteral("no bone of the skeleton starts with \"%1\"").arg(prefix);
+        return false;
+    }
+    const QSet<QString> leaves = model.GetLeafBones(sceneBones);
+
+    std::vector<NameMatcher::Assignment> matches;
+    if (templateArgument.isEmpty())
+    {
+        const TemplateChooser chooser(model.GetTemplateLibrary(), type, model.GetNameDelimiters());
+        TemplateChooser::Result best = chooser.Choose(offered, leaves, prefix);
+        mapping.templateName = best.templateName;
+        matches = std::move(best.assignments);
+    }
+    else
+    {
+        MappingTemplate chosen;
+        if (!LoadTemplate(model, templateArgument, chosen, error))
+            return false;
+        mapping.templateName = templateArgument;
+        matches = NameMatcher(chosen, type, model.GetNameDelimiters()).Match(offered, prefix, {});
+    }
+
+    std::vector<CharacterizationModel::Assignment> batch;
+    for (const NameMatcher::Assignment& match : matches)
+        batch.emplace_back(match.nodeId, match.bone);
+    model.AssignBones(batch);
+    mapping.mappedNodes = model.GetCurrentCharacterization()->AssignedCount();
+    mapping.candidateBones = TemplateChooser::CandidateCount(offered, leaves);
+    return true;
+}

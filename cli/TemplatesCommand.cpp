@@ -1,0 +1,51 @@
+#include "TemplatesCommand.h"
+
+#include <cstdio>
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <zelkin/MappingTemplate.h>
+#include <zelkin/TemplateLibrary.h>
+#include <zelkin/UserConfiguration.h>
+
+#include "Arguments.h"
+#include "CliError.h"
+
+namespace
+{
+bool IsShipped(const QString& name)
+{
+    return QFileInfo::exists(QDir(TemplateLibrary::ShippedDirectory()).filePath(name + QStringLiteral(".xml")));
+}
+
+// A user template is listed even when it is broken, with the reason, so the user sees why it is never chosen.
+QString Describe(const TemplateLibrary& library, const QString& name)
+{
+    if (!library.IsUserTemplate(name))
+        return QStringLiteral("  %1").arg(name);
+    QString note = IsShipped(name) ? QStringLiteral(" (replaces the shipped one)") : QString();
+    MappingTemplate loaded;
+    QString problem;
+    if (!library.Load(name, loaded, &problem))
+        note += QStringLiteral(" (cannot be read: %1)").arg(problem.simplified());
+    return QStringLiteral("  %1%2").arg(name, note);
+}
+} // namespace
+
+int runTemplates(const QStringList& arguments)
+{
+    const Arguments parsed(arguments, {}, {});
+    if (!parsed.Error().isEmpty() || !parsed.Positionals().isEmpty())
+        return fail(QStringLiteral("usage: zelkin templates"));
+
+    const TemplateLibrary library(UserConfiguration::TemplateDirectory());
+    QStringList shipped;
+    QStringList user;
+    for (const QString& name : library.Names())
+        (library.IsUserTemplate(name) ? user : shipped).append(Describe(library, name));
+    std::printf("Shipped templates:\n%s\n", qPrintable(shipped.join(QLatin1Char('\n'))));
+    std::printf("User templates in %s:\n%s\n", qPrintable(QDir::toNativeSeparators(library.UserDirectory())),
+                user.isEmpty() ? "  (none)" : qPrintable(user.join(QLatin1Char('\n'))));
+    return 0;
+}

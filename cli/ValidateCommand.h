@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QStringList>
+
+// zelkin validate FILE.zelc|FILE.xml [--skeleton SKELETON] [--json]
+int runValidate(const QStringList& arguments);

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <vector>
+
+#include <QString>
+#include <QStringList>
+
+#include <zelkin/ValidationLog.h>
+
+class CharacterizationModel;
+
+// What validating the model's current characterization found, printed for people or as one JSON document:
+// the overall state and message, how the skeleton was mapped, and every assigned node with its bone and findings.
+class ValidationReport
+{
+public:
+    // The template that mapped the skeleton; a file that is only validated has none.
+    struct Mapping
+    {
+        QString templateName; // empty when no template mapped a bone
+        int mappedNodes = 0;
+        int candidateBones = 0; // the skeleton's bones that could be nodes
+    };
+
+    explicit ValidationReport(const CharacterizationModel& model);
+
+    void SetMapping(const Mapping& mapping);
+    // Mapped bones that the skeleton supplying the geometry lacks; they kept the geometry stored with them.
+    void SetMissingBones(const QStringList& bones) { mMissingBones = bones; }
+    // Shown to people after the findings.
+    void SetWrittenFiles(const QStringList& paths) { mWrittenFiles = paths; }
+
+    ValidationState State() const { return mState; }
+    // 2 when validation ends in an error, else 0.
+    int ExitStatus() const;
+    QByteArray ToJson() const;
+    QString ToText() const;
+    // On stdout, as JSON or for people.
+    void Print(bool json) const;
+
+private:
+    struct Node
+    {
+        int id;
+        QString bone;
+        int state;
+        QString message;
+    };
+
+    ValidationState mState;
+    QString mMessage;
+    std::vector<Node> mNodes;
+    bool mHasMapping = false;
+    Mapping mMapping;
+    QStringList mMissingBones;
+    QStringList mWrittenFiles;
+};
