@@ -1,11 +1,18 @@
 #!/usr/bin/env bash
-# The main job: characterize the sample skeleton, save it as a .zelc stream, and show what was saved.
+# The main job: open Zelkin Studio on the sample skeleton, auto-matched and validated. Without a display, characterize
+# the sample on the command line instead, save it as a .zelc stream, and show what was saved.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/setup.sh"
 "$root/scripts/build.sh" "$root/build" -DZELKIN_BUILD_TESTS=ON
 
+sample="$root/examples/sample_humanoid.bvh"
+if [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then
+    exec "$root/build/studio/zelkin-studio" "$sample"
+fi
+
+echo "zelkin: no display (DISPLAY and WAYLAND_DISPLAY are unset): characterizing the sample on the command line" >&2
 zelkin="$root/build/cli/zelkin"
 output="$root/build/sample_humanoid.zelc"
-"$zelkin" characterize "$root/examples/sample_humanoid.bvh" -o "$output"
+"$zelkin" characterize "$sample" -o "$output"
 "$zelkin" inspect "$output"

@@ -1,0 +1,339 @@
+#include "StudioSession.h"
+
+#include <cstdlib>
+
+#include <QDataStream>
+#include <QDir>
+#include <QFileInfo>
+
+#include <zelkin/Characterization.h>
+#include <zelkin/CharacterTool.h>
+#include <zelkin/CharacterizationModel.h>
+
+#include "AssignmentRecorder.h"
+#include "DeleteBoneCommand.h"
+#include "RenameBoneCommand.h"
+#include "SceneImporter.h"
+
+namespace
+{
+QString CannotOpen(const QString& path, const QString& problem)
+{
+    return StudioSession::tr("%1 cannot be opened: %2.").arg(QDir::toNativeSeparators(path), problem);
+}
+} // namespace
+
+StudioSession::StudioSession(QObject* parent)
+    : QObject(parent)
+{
+}
+
+StudioSession::~StudioSession() = default;
+
+void StudioSession::SetTool(CharacterTool* tool)
+{
+    mTool = tool;
+    delete mRecorder;
+    mRecorder = GetModel() != nullptr ? new AssignmentRecorder(*GetModel(), mUndo, this) : nullptr;
+    mSavedSignature = StateSignature();
+}
+
+CharacterizationModel* StudioSession::GetModel() const
+{
+    return mTool != nullptr ? mTool->GetModel() : nullptr;
+}
+
+bool StudioSession::OpenSkeleton(const QString& path, const ImportProgress::Callback& progress, QString& error)
+{
+    Scene scene;
+    if (GetModel() == nullptr || !ImportSkeleton(path, progress, scene, error))
+        return false;
+    {
+        AssignmentRecorder::Pause pause(mRecorder);
+        ReplaceScene(scene);
+        ResetCharacterizations({});
+        GetModel()->AutoMatch();
+        GetModel()->Validate();
+    }
+    mEdits.clear();
+    mUndo.clear();
+    // Nothing here is the user's work yet: a freshly matched skeleton is not an unsaved project.
+    MarkSaved(QString());
+    emit SkeletonReplaced();
+    return true;
+}
+
+bool StudioSession::OpenProject(const QString& path, const ImportProgress::Callback& progress, QString& error)
+{
+    ProjectFile project;
+    if (GetModel() == nullptr || !project.Read(path, error))
+        return false;
+    Scene scene;
+    QString problem;
+    if (!ImportSkeleton(project.skeletonPath, progress, scene, problem) ||
+        !ReplayEdits(project.edits, scene, problem))
+    {
+        error = problem.isEmpty() ? QString() : CannotOpen(path, problem);
+        return false;
+    }
+    // Everything was checked: from here on nothing can fail half-way.
+    {
+        AssignmentRecorder::Pause pause(mRecorder);
+        ReplaceScene(scene);
+        RestoreEntries(project);
+    }
+    mEdits = project.edits;
+    mUndo.clear();
+    MarkSaved(QFileInfo(path).absoluteFilePath());
+    emit SkeletonReplaced();
+    return true;
+}
+
+bool StudioSession::SaveProject(const QString& path, QString& error)
+{
+    if (!HasSkeleton() || GetModel() == nullptr)
+    {
+        error = tr("There is no skeleton to keep in a project: open one first.");
+        return false;
+    }
+    ProjectFile project;
+    project.skeletonPath = QFileInfo(mScene.SourcePath()).absoluteFilePath();
+    project.edits = mEdits;
+    if (!CollectEntries(project, error) || !project.Write(path, error))
+        return false;
+    MarkSaved(QFileInfo(path).absoluteFilePath());
+    return true;
+}
+
+bool StudioSession::RenameBone(const QString& bone, const QString& newName)
+{
+    const QString name = mHub.SanitizeBoneName(newName);
+    if (mScene.IndexOf(bone) < 0 || name.isEmpty() || mScene.IndexOf(name) >= 0)
+        return false;
+    mUndo.push(new RenameBoneCommand(*this, bone, name));
+    return true;
+}
+
+bool StudioSession::DeleteBone(const QString& bone)
+{
+    if (mScene.IndexOf(bone) < 0)
+        return false;
+    mUndo.push(new DeleteBoneCommand(*this, bone));
+    return true;
+}
+
+bool StudioSession::CanUndo() const
+{
+    return mUndo.canUndo() && !(GetModel() != nullptr && GetModel()->IsLocked());
+}
+
+bool StudioSession::CanRedo() const
+{
+    return mUndo.canRedo() && !(GetModel() != nullptr && GetModel()->IsLocked());
+}
+
+bool StudioSession::Undo()
+{
+    if (!CanUndo())
+        return false;
+    mUndo.undo();
+    return true;
+}
+
+bool StudioSession::Redo()
+{
+    if (!CanRedo())
+        return false;
+    mUndo.redo();
+    return true;
+}
+
+bool StudioSession::IsModified() const
+{
+    return StateSignature() != mSavedSignature;
+}
+
+bool StudioSession::ApplyRename(const QString& bone, const QString& newName)
+{
+    if (!mScene.RenameBone(bone, newName))
+        return false;
+    {
+        AssignmentRecorder::Pause pause(mRecorder);
+        emit mHub.NameChanged(newName, bone);
+    }
+    emit SkeletonChanged();
+    return true;
+}
+
+bool StudioSession::ApplyDelete(const QString& bone)
+{
+    bool deleted = false;
+    {
+        AssignmentRecorder::Pause pause(mRecorder);
+        deleted = mHub.DeleteBone(bone);
+    }
+    if (deleted)
+        emit SkeletonChanged();
+    return deleted;
+}
+
+void StudioSession::PushEdit(const ProjectFile::BoneEdit& edit)
+{
+    mEdits.append(edit);
+}
+
+void StudioSession::PopEdit()
+{
+    if (!mEdits.isEmpty())
+        mEdits.removeLast();
+}
+
+void StudioSession::NotifySkeletonChanged()
+{
+    emit SkeletonChanged();
+}
+
+bool StudioSession::ImportSkeleton(const QString& path, const ImportProgress::Callback& progress, Scene& scene,
+                                   QString& error) const
+{
+    SceneImporter importer;
+    importer.SetProgressCallback(progress);
+    if (importer.Import(path, scene))
+        return true;
+    error = importer.WasCancelled() ? QString() : importer.ErrorText();
+    return false;
+}
+
+bool StudioSession::ReplayEdits(const QList<ProjectFile::BoneEdit>& edits, Scene& scene, QString& error)
+{
+    for (const ProjectFile::BoneEdit& edit : edits)
+    {
+        const bool done = edit.kind == ProjectFile::BoneEdit::Delete ? scene.DeleteBone(edit.bone)
+                                                                     : scene.RenameBone(edit.bone, edit.newName);
+        if (!done)
+        {
+            error = tr("its bone edits do not fit the skeleton (%1 cannot be changed)").arg(edit.bone);
+            return false;
+        }
+    }
+    return true;
+}
+
+void StudioSession::ReplaceScene(Scene& scene)
+{
+    mScene = std::move(scene);
+    // The old selection went with the old scene.
+    emit mHub.selectionChanged();
+}
+
+void StudioSession::ResetCharacterizations(const QStringList& names)
+{
+    // The old characterizations name bones of the old scene: they go without detaching anything from the new one.
+    GetModel()->SyncCharacterizationList({});
+    if (!names.isEmpty())
+        GetModel()->SyncCharacterizationList(names);
+}
+
+void StudioSession::RestoreEntries(const ProjectFile& project)
+{
+    CharacterizationModel* model = GetModel();
+    QStringList names;
+    for (const ProjectFile::Entry& entry : project.entries)
+        names.append(entry.name);
+    ResetCharacterizations(names);
+    for (const ProjectFile::Entry& entry : project.entries)
+    {
+        model->SetCurrentCharacterization(model->IndexOf(entry.name));
+        mTool->SetCharacterizationFromStream(entry.stream.constData(), static_cast<int32_t>(entry.stream.size()),
+                                             entry.bones);
+        // As it was saved: a characterization locked then stays locked without being validated first.
+        if (entry.locked)
+            model->SetEditMode(true);
+    }
+    model->SetCurrentCharacterization(model->IndexOf(project.current));
+    RecountAttachments();
+    model->Validate();
+}
+
+void StudioSession::RecountAttachments()
+{
+    for (int index = 0; index < mScene.BoneCount(); ++index)
+    {
+        mScene.Bone(index).attachCount = 0;
+        mScene.Bone(index).node = -1;
+    }
+    const std::shared_ptr<Characterization> current = GetModel()->GetCurrentCharacterization();
+    for (const std::shared_ptr<Characterization>& characterization : GetModel()->GetCharacterizations())
+    {
+        for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
+        {
+            SceneBone* bone = characterization->IsAssigned(nodeId) ? mScene.Find(characterization->GetBone(nodeId))
+                                                                   : nullptr;
+            if (bone == nullptr)
+                continue;
+            ++bone->attachCount;
+            if (bone->node < 0 || characterization == current)
+                bone->node = nodeId;
+        }
+    }
+}
+
+bool StudioSession::CollectEntries(ProjectFile& project, QString& error)
+{
+    CharacterizationModel* model = GetModel();
+    const std::shared_ptr<Characterization> current = model->GetCurrentCharacterization();
+    const CharacterizationModel::CharacterizationList all = model->GetCharacterizations();
+    AssignmentRecorder::Pause pause(mRecorder);
+    // The tool streams the current characterization only.
+    bool collected = true;
+    for (const std::shared_ptr<Characterization>& characterization : all)
+    {
+        if (characterization != model->GetCurrentCharacterization())
+            model->SetCurrentCharacterization(model->IndexOf(characterization.get()));
+        void* buffer = nullptr;
+        int32_t length = 0;
+        ProjectFile::Entry entry;
+        if (!mTool->GetCharacterizationStream(buffer, length, entry.bones, false))
+        {
+            error = tr("The characterization \"%1\" cannot be written as a stream.").arg(characterization->GetName());
+            collected = false;
+            break;
+        }
+        entry.stream = QByteArray(static_cast<const char*>(buffer), length);
+        std::free(buffer);
+        entry.name = characterization->GetName();
+        entry.locked = characterization->IsLocked();
+        project.entries.push_back(entry);
+    }
+    if (current && current != model->GetCurrentCharacterization())
+        model->SetCurrentCharacterization(model->IndexOf(current.get()));
+    project.current = current ? current->GetName() : QString();
+    return collected;
+}
+
+QByteArray StudioSession::StateSignature() const
+{
+    QByteArray signature;
+    QDataStream out(&signature, QIODevice::WriteOnly);
+    out << mScene.SourcePath();
+    for (const ProjectFile::BoneEdit& edit : mEdits)
+        out << int(edit.kind) << edit.bone << edit.newName;
+    if (const CharacterizationModel* model = GetModel())
+    {
+        out << model->GetCurrentIndex();
+        for (const std::shared_ptr<Characterization>& characterization : model->GetCharacterizations())
+        {
+            out << characterization->GetName() << characterization->IsLocked() << characterization->GetBoneNames();
+            for (int limb = 0; limb < ZELLimbCount; ++limb)
+                out << characterization->IsInverted(limb);
+        }
+    }
+    return signature;
+}
+
+void StudioSession::MarkSaved(const QString& projectPath)
+{
+    mProjectPath = projectPath;
+    mSavedSignature = StateSignature();
+    emit ProjectChanged();
+}

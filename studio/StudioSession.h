@@ -1,0 +1,99 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QUndoStack>
+
+#include "ImportProgress.h"
+#include "ProjectFile.h"
+#include "Scene.h"
+#include "SceneHub.h"
+
+class AssignmentRecorder;
+class CharacterTool;
+class CharacterizationModel;
+
+// What Zelkin Studio works on: the scene and its hub, the panel's characterizations, the undo stack and the project
+// they are saved to. The window creates the panel over this hub and hands it over; every file operation checks
+// everything it reads before it changes anything.
+class StudioSession : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit StudioSession(QObject* parent = nullptr);
+    ~StudioSession() override;
+
+    Scene& GetScene() { return mScene; }
+    const Scene& GetScene() const { return mScene; }
+    SceneHub& GetHub() { return mHub; }
+    QUndoStack& GetUndoStack() { return mUndo; }
+    AssignmentRecorder* GetRecorder() const { return mRecorder; }
+    // The panel must have been built over GetHub().
+    void SetTool(CharacterTool* tool);
+    CharacterTool* GetTool() const { return mTool; }
+    CharacterizationModel* GetModel() const;
+
+    bool HasSkeleton() const { return !mScene.IsEmpty(); }
+    const QString& GetProjectPath() const { return mProjectPath; }
+    const QList<ProjectFile::BoneEdit>& GetEdits() const { return mEdits; }
+
+    // Each returns false with the one message for the user in `error`; an empty error means the user cancelled.
+    // A new skeleton starts with one new characterization, auto matched with the template that fits it best.
+    bool OpenSkeleton(const QString& path, const ImportProgress::Callback& progress, QString& error);
+    bool OpenProject(const QString& path, const ImportProgress::Callback& progress, QString& error);
+    bool SaveProject(const QString& path, QString& error);
+
+    // The user's scene edits, each one undoable step; false when refused (unknown bone, name empty or taken).
+    bool RenameBone(const QString& bone, const QString& newName);
+    bool DeleteBone(const QString& bone);
+    // Undo and redo wait while the current characterization is locked: its mapping cannot change then.
+    bool CanUndo() const;
+    bool CanRedo() const;
+    bool Undo();
+    bool Redo();
+
+    // Something the project would save differs from what was last opened or saved.
+    bool IsModified() const;
+
+    // For the undo commands: the scene edit itself, told to the model through the hub's signals, and the record
+    // of edits the project keeps.
+    bool ApplyRename(const QString& bone, const QString& newName);
+    bool ApplyDelete(const QString& bone);
+    void PushEdit(const ProjectFile::BoneEdit& edit);
+    void PopEdit();
+    // The scene's bones were replaced behind the hub's back (a deleted bone came back).
+    void NotifySkeletonChanged();
+
+signals:
+    // Bones were added, removed or renamed.
+    void SkeletonChanged();
+    // A new scene was read: views frame it.
+    void SkeletonReplaced();
+    // The project path or the saved state changed.
+    void ProjectChanged();
+
+private:
+    bool ImportSkeleton(const QString& path, const ImportProgress::Callback& progress, Scene& scene,
+                        QString& error) const;
+    static bool ReplayEdits(const QList<ProjectFile::BoneEdit>& edits, Scene& scene, QString& error);
+    void ReplaceScene(Scene& scene);
+    // Drops every characterization and starts with new ones of these names (one default one when empty).
+    void ResetCharacterizations(const QStringList& names);
+    void RestoreEntries(const ProjectFile& project);
+    // Restored characterizations bypass the hub: the bones' attach counts are counted again from the model.
+    void RecountAttachments();
+    bool CollectEntries(ProjectFile& project, QString& error);
+    QByteArray StateSignature() const;
+    void MarkSaved(const QString& projectPath);
+
+    Scene mScene;
+    SceneHub mHub {mScene};
+    QUndoStack mUndo;
+    CharacterTool* mTool = nullptr;
+    AssignmentRecorder* mRecorder = nullptr;
+    QList<ProjectFile::BoneEdit> mEdits;
+    QString mProjectPath;
+    QByteArray mSavedSignature;
+};
