@@ -90,6 +90,8 @@ private:
     // The panel's own shortcuts for the same keys would be ambiguous: the window's menus keep them.
     void ClaimPanelShortcuts();
 
+    // Asks about unsaved changes, runs the job with progress, then reports and remembers the file.
+    bool OpenWith(const QString& path, const QString& title, const ImportJob& job);
     // Runs a file import under a cancellable progress dialog; false with an empty error when cancelled.
     bool RunImport(const QString& path, const ImportJob& job, QString& error);
     bool ConcludeOpen(bool opened, const QString& path, const QString& title, const QString& error);

@@ -49,30 +49,25 @@ bool MainWindow::OpenFile(const QString& path)
 
 bool MainWindow::OpenSkeleton(const QString& path)
 {
-    if (!MaybeSave())
-        return false;
-    QString error;
-    const bool opened = RunImport(
-        path,
-        [this, &path](const ImportProgress::Callback& progress, QString& problem) {
-            return mSession.OpenSkeleton(path, progress, problem);
-        },
-        error);
-    return ConcludeOpen(opened, path, tr("Open Skeleton"), error);
+    return OpenWith(path, tr("Open Skeleton"), [this, &path](const ImportProgress::Callback& progress, QString& problem) {
+        return mSession.OpenSkeleton(path, progress, problem);
+    });
 }
 
 bool MainWindow::OpenProject(const QString& path)
 {
+    return OpenWith(path, tr("Open Project"), [this, &path](const ImportProgress::Callback& progress, QString& problem) {
+        return mSession.OpenProject(path, progress, problem);
+    });
+}
+
+bool MainWindow::OpenWith(const QString& path, const QString& title, const ImportJob& job)
+{
     if (!MaybeSave())
         return false;
     QString error;
-    const bool opened = RunImport(
-        path,
-        [this, &path](const ImportProgress::Callback& progress, QString& problem) {
-            return mSession.OpenProject(path, progress, problem);
-        },
-        error);
-    return ConcludeOpen(opened, path, tr("Open Project"), error);
+    const bool opened = RunImport(path, job, error);
+    return ConcludeOpen(opened, path, title, error);
 }
 
 bool MainWindow::RunImport(const QString& path, const ImportJob& job, QString& error)

@@ -18,6 +18,7 @@
 #include "InversionItem.h"
 #include "PartItem.h"
 #include "PictureCache.h"
+#include "ViewConnections.h"
 
 namespace
 {
@@ -59,13 +60,7 @@ DiagramWidget::DiagramWidget(QWidget* parent, PictureCache* pictures, IDCCHub* h
     ShowView(FigureLayout::FullBodyView);
 
     connect(mHover, SIGNAL(Hover(PartItem*, bool)), this, SLOT(ShowInvertItems(PartItem*, bool)));
-    if (mModel != nullptr) {
-        connect(mModel, SIGNAL(ModelChanged()), this, SLOT(SyncViewOnModel()));
-        connect(mModel, SIGNAL(EditedPartChanged(int, int, bool)), this, SLOT(ChangeEditPart(int, int, bool)));
-    }
-    if (mHub != nullptr)
-        connect(mHub, SIGNAL(selectionChanged()), this, SLOT(OnDccSelect()));
-    ConnectToolPages(tool);
+    ConnectPageToSources(this, mModel, mHub, tool);
 
     SyncViewOnModel();
     if (mModel != nullptr)
@@ -73,13 +68,6 @@ DiagramWidget::DiagramWidget(QWidget* parent, PictureCache* pictures, IDCCHub* h
 }
 
 DiagramWidget::~DiagramWidget() = default;
-
-void DiagramWidget::ConnectToolPages(CharacterTool* tool)
-{
-    // Panels that cannot switch pages by slot leave it to whoever listens to ViewTabRequested.
-    if (tool != nullptr && tool->metaObject()->indexOfSlot("setCurrentViewTab(int)") >= 0)
-        connect(this, SIGNAL(ViewTabRequested(int)), tool, SLOT(setCurrentViewTab(int)));
-}
 
 void DiagramWidget::BuildViews()
 {

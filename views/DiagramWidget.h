@@ -89,7 +89,6 @@ private:
     int ArrowTarget(const PartItem* item) const;
     int MenuNode() const;
     QStringList HostSelection() const;
-    void ConnectToolPages(CharacterTool* tool);
 
     PictureCache* mPictures;
     IDCCHub* mHub;

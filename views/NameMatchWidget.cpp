@@ -19,6 +19,7 @@
 #include "CompleterWidget.h"
 #include "NameMatchTreeWidget.h"
 #include "PictureCache.h"
+#include "ViewConnections.h"
 
 namespace
 {
@@ -150,14 +151,7 @@ NameMatchWidget::NameMatchWidget(QWidget* parent, IDCCHub* hub, PictureCache* pi
     // Queued: the answer may open message boxes, which must wait until the cell editor has closed.
     connect(mDelegate, &BoneCellDelegate::BoneEntered, this, &NameMatchWidget::ApplyEnteredBone,
             Qt::QueuedConnection);
-    if (mModel != nullptr)
-    {
-        connect(mModel, SIGNAL(ModelChanged()), this, SLOT(SyncViewOnModel()));
-        connect(mModel, SIGNAL(EditedPartChanged(int, int, bool)), this, SLOT(ChangeEditPart(int, int, bool)));
-    }
-    if (mHub != nullptr)
-        connect(mHub, SIGNAL(selectionChanged()), this, SLOT(OnDccSelect()));
-    ConnectToolPages(tool);
+    ConnectPageToSources(this, mModel, mHub, tool);
 
     SyncViewOnModel();
     if (mModel != nullptr)
@@ -165,13 +159,6 @@ NameMatchWidget::NameMatchWidget(QWidget* parent, IDCCHub* hub, PictureCache* pi
 }
 
 NameMatchWidget::~NameMatchWidget() = default;
-
-void NameMatchWidget::ConnectToolPages(CharacterTool* tool)
-{
-    // Panels that cannot switch pages by slot leave it to whoever listens to ViewTabRequested.
-    if (tool != nullptr && tool->metaObject()->indexOfSlot("setCurrentViewTab(int)") >= 0)
-        connect(this, SIGNAL(ViewTabRequested(int)), tool, SLOT(setCurrentViewTab(int)));
-}
 
 void NameMatchWidget::BuildTree()
 {

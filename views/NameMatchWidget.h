@@ -89,7 +89,6 @@ private:
     void UpdateRow(QTreeWidgetItem* row, const QStringList& hostSelection);
     QStringList HostSelection() const;
     bool IsNodeRow(const QTreeWidgetItem* row) const;
-    void ConnectToolPages(CharacterTool* tool);
 
     IDCCHub* mHub;
     PictureCache* mPictures;

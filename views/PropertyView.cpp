@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include <QFont>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -106,6 +107,11 @@ void PropertyView::AddQuantityRow(int row, Quantity quantity, const QString& lab
         auto* field = new QLineEdit(this);
         field->setReadOnly(true);
         field->setFixedWidth(ValueWidth);
+        // A value such as -172.569 must fit the narrow field whole.
+        field->setTextMargins(0, 0, 0, 0);
+        QFont font = field->font();
+        font.setPointSizeF(font.pointSizeF() * 0.85);
+        field->setFont(font);
         grid->addWidget(field, row, 1 + axis);
         mValues[quantity][axis] = field;
     }
