@@ -7,5 +7,5 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/build.sh" "$root/build" -DZELKIN_BUILD_TESTS=ON
 ctest --test-dir "$root/build" --output-on-failure -j"$(nproc)"
 
-CC=clang CXX=clang++ "$root/scripts/build.sh" "$root/build-fuzz" -DZELKIN_BUILD_TESTS=OFF -DZELKIN_BUILD_FUZZERS=ON
+CC=clang CXX=clang++ "$root/scripts/build.sh" "$root/build-fuzz" -DZELKIN_BUILD_TESTS=OFF -DZELKIN_BUILD_FUZZERS=ON -- fuzzers
 ctest --test-dir "$root/build-fuzz" -L fuzz --output-on-failure -j"$(nproc)"
