@@ -34,10 +34,14 @@ QString SaveTogether(const QList<FileContent>& files)
     {
         written.push_back(std::make_unique<QSaveFile>(content.first));
         QSaveFile& file = *written.back();
-        if (!file.open(QIODevice::WriteOnly) || file.write(content.second) != content.second.size())
+        // Flushed by hand: commit() does not check the flush it makes on closing, and would put a file cut short by
+        // a full disk in place. Flushed now, too, so that such a failure comes before any file is replaced.
+        if (!file.open(QIODevice::WriteOnly) || file.write(content.second) != content.second.size() || !file.flush())
             return Tr("%1 cannot be written: %2").arg(QDir::toNativeSeparators(content.first), file.errorString());
     }
-    // Unwritten QSaveFiles are discarded when they go, so a failure above leaves every old file alone.
+    // Unwritten QSaveFiles are discarded when they go, so a failure above leaves every old file alone. Only putting
+    // the files in place is left: should that fail for a later file (its name taken by a folder meanwhile), the
+    // earlier ones stay replaced.
     for (const std::unique_ptr<QSaveFile>& file : written)
     {
         if (!file->commit())

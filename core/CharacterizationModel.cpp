@@ -164,8 +164,15 @@ void CharacterizationModel::RemoveAt(int index)
         mCurrent = -1;
     else if (index < mCurrent)
         --mCurrent;
-    if (mHub != nullptr)
-        mHub->UnregisterCharacterizationNode(removed->GetName());
+    if (mHub == nullptr)
+        return;
+    // Its nodes no longer hold their bones: the host's counts must not keep them mapped.
+    for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
+    {
+        if (removed->IsAssigned(nodeId))
+            mHub->DetachHostBone(removed->GetBone(nodeId));
+    }
+    mHub->UnregisterCharacterizationNode(removed->GetName());
 }
 
 void CharacterizationModel::RestoreCurrent(const Characterization* previous)

@@ -12,14 +12,10 @@
 #include <zelkin/ConfigDocument.h>
 #include <zelkin/MappingTemplate.h>
 
+#include "FuzzCheck.h"
+
 namespace
 {
-void require(bool condition)
-{
-    if (!condition)
-        __builtin_trap();
-}
-
 void Quiet(QtMsgType, const QMessageLogContext&, const QString&) {}
 
 // Every reading operation over every key, so that no stored shape is left untried.

@@ -7,6 +7,8 @@
 
 #include <zelkin/ZELSolver.h>
 
+#include "FuzzCheck.h"
+
 namespace {
 
 struct Stream
@@ -22,12 +24,6 @@ struct Stream
     Stream(const Stream&) = delete;
     Stream& operator=(const Stream&) = delete;
 };
-
-void require(bool condition)
-{
-    if (!condition)
-        __builtin_trap();
-}
 
 void checkRewriteIsStable(const ZELCharacterDefinition& definition, const ZELCharacter* character, bool bigEndian)
 {

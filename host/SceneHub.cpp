@@ -2,6 +2,10 @@
 
 #include <string>
 
+#include <zelkin/Characterization.h>
+#include <zelkin/CharacterTool.h>
+#include <zelkin/CharacterizationModel.h>
+
 #include "Scene.h"
 
 namespace {
@@ -35,10 +39,31 @@ int SceneHub::GetAttachCount(const QString& bone) const
 
 bool SceneHub::RenameBone(const QString& oldName, const QString& newName)
 {
-    const QString name = SanitizeBoneName(newName);
-    if (!mScene.RenameBone(oldName, name))
+    return ApplyRename(oldName, SanitizeBoneName(newName));
+}
+
+bool SceneHub::ApplyRename(const QString& oldName, const QString& newName)
+{
+    if (!mScene.RenameBone(oldName, newName))
         return false;
-    emit NameChanged(name, oldName);
+    emit NameChanged(newName, oldName);
+    CharacterizationModel* model = GetCharacterTool() != nullptr ? GetCharacterTool()->GetModel() : nullptr;
+    if (model == nullptr)
+        return true;
+    bool currentChanged = false;
+    for (const std::shared_ptr<Characterization>& characterization : model->GetCharacterizations())
+    {
+        for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
+        {
+            if (characterization->GetBone(nodeId) != oldName)
+                continue;
+            characterization->SetBone(nodeId, newName);
+            currentChanged = currentChanged || characterization == model->GetCurrentCharacterization();
+        }
+    }
+    // A locked current one is not validated again by the model; its views still show the old name.
+    if (currentChanged)
+        model->Validate();
     return true;
 }
 

@@ -31,6 +31,10 @@ public:
     // User edits: each changes the scene first, then emits the hub's signal. The new bone name is sanitized first;
     // a name that ends up empty or taken is refused.
     bool RenameBone(const QString& oldName, const QString& newName);
+    // The same with the name taken as it is (undo puts back a name the file gave, which sanitizing could change).
+    // The tool renames the bone in its current characterization while that one is editable; the hub carries the
+    // rename into the others and into a locked one, whose nodes still hold the same joint.
+    bool ApplyRename(const QString& oldName, const QString& newName);
     bool DeleteBone(const QString& name);
     // Character objects; named so as not to hide IDCCHub::DeleteCharacter, which deletes through the tool.
     bool RenameCharacterObject(const QString& oldName, const QString& newName);

@@ -1,6 +1,7 @@
 #include "SceneImporter.h"
 
 #include <exception>
+#include <memory>
 
 #include <QDir>
 #include <QFileInfo>
@@ -14,6 +15,8 @@
 #include "ProgressIOSystem.h"
 #include "Scene.h"
 #include "SceneBuilder.h"
+#include "SceneFileCheck.h"
+#include "SceneRepair.h"
 
 namespace {
 
@@ -49,6 +52,9 @@ bool SceneImporter::Import(const QString& path, Scene& scene)
     const QFileInfo info(path);
     if (!info.isFile())
         return Fail(path, QStringLiteral("no such file"));
+    const QString hazard = SceneFileCheck::Problem(path);
+    if (!hazard.isEmpty())
+        return Fail(path, hazard);
 
     ImportProgress progress(mCallback, info.size());
     if (!progress.Report(0))
@@ -61,7 +67,11 @@ bool SceneImporter::Import(const QString& path, Scene& scene)
         // The importer owns both and deletes them before `progress` goes.
         importer.SetIOHandler(new ProgressIOSystem(progress));
         importer.SetProgressHandler(new ImportProgressHandler(progress));
-        const aiScene* source = importer.ReadFile(QFile::encodeName(path).toStdString(), 0);
+        importer.ReadFile(QFile::encodeName(path).toStdString(), 0);
+        // Ours at once, so that it is mended before anything can delete it.
+        const std::unique_ptr<aiScene> source(importer.GetOrphanedScene());
+        if (source)
+            SceneRepair::DropRepeatedBones(*source);
         if (progress.IsCancelled())
             return Cancel(path);
         if (source == nullptr || source->mRootNode == nullptr)

@@ -319,7 +319,8 @@ bool ConfigDocument::Save(const QString& fileName)
         return false;
     }
     const QByteArray bytes = ToByteArray();
-    if (file.write(bytes) != bytes.size() || !file.commit())
+    // commit() does not check the flush it makes on closing: a file cut short by a full disk would be put in place.
+    if (file.write(bytes) != bytes.size() || !file.flush() || !file.commit())
     {
         d->error = Tr("Cannot write %1: %2").arg(fileName, file.errorString());
         file.cancelWriting();

@@ -135,6 +135,8 @@ void BoneTreeWidget::RefreshNodes()
         if (current->IsAssigned(nodeId))
             nodes.insert(current->GetBone(nodeId), nodeId);
     }
+    // Each changed cell would have the header measure the whole column again: it measures once, at the end.
+    mTree->header()->setSectionResizeMode(NodeColumn, QHeaderView::Interactive);
     for (auto it = mItems.cbegin(); it != mItems.cend(); ++it)
     {
         const int nodeId = nodes.value(it.key(), BoneCatalogue::NoNode);
@@ -149,6 +151,7 @@ void BoneTreeWidget::RefreshNodes()
         item->setIcon(NodeColumn, mStateIcons.value(mModel->GetNodeState(nodeId)));
         item->setToolTip(NodeColumn, QString::fromStdString(mModel->GetNodeMessage(nodeId)));
     }
+    mTree->header()->setSectionResizeMode(NodeColumn, QHeaderView::ResizeToContents);
 }
 
 void BoneTreeWidget::ApplyFilter()

@@ -64,7 +64,7 @@ void DeleteBoneCommand::TakeSnapshot()
 void DeleteBoneCommand::ReinsertBone()
 {
     // The scene only appends bones, so it is built again with the bone back in its place; the bones keep their
-    // attach counts, the deleted one the count it had.
+    // attach counts; the deleted one is counted again once its holders are given back.
     Scene& scene = mSession.GetScene();
     Scene rebuilt;
     const auto add = [&rebuilt](SceneBone bone, const QString& parent) {
@@ -106,7 +106,8 @@ void DeleteBoneCommand::RestoreHolders()
     for (const Holder& holder : mHolders)
     {
         const std::shared_ptr<Characterization> live = holder.live.lock();
-        if (!live)
+        // Gone, or locked again since: its mapping is no longer the one the delete left.
+        if (!live || live->IsLocked())
             continue;
         Characterization restored = holder.saved;
         restored.SetName(live->GetName());
@@ -118,5 +119,11 @@ void DeleteBoneCommand::RestoreHolders()
         if (current && holder.saved.IsLocked() != live->IsLocked())
             model->SetEditMode(holder.saved.IsLocked());
     }
+    // Only the nodes given back hold the bone again.
+    int holders = 0;
+    for (const std::shared_ptr<Characterization>& characterization : model->GetCharacterizations())
+        holders += static_cast<int>(characterization->GetBoneNames().count(mName));
+    if (SceneBone* bone = mSession.GetScene().Find(mName))
+        bone->attachCount = holders;
     model->Validate();
 }

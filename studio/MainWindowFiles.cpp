@@ -213,8 +213,9 @@ bool MainWindow::RenameBone(const QString& bone, const QString& newName)
     if (mSession.RenameBone(bone, newName))
         return true;
     ShowError(tr("Rename Bone"),
-              tr("%1 cannot be renamed to \"%2\": without the characters a bone name cannot hold, the name is empty "
-                 "or another bone has it.")
+              // Not starting with the name: the message's first letter is capitalized, the bone's must not be.
+              tr("The bone %1 cannot be renamed to \"%2\": without the characters a bone name cannot hold, the name "
+                 "is empty or another bone has it.")
                   .arg(bone, newName));
     return false;
 }

@@ -264,7 +264,8 @@ bool ProjectFile::Write(const QString& path, QString& error) const
     }
     QSaveFile file(path);
     const QByteArray bytes = document.ToByteArray();
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    // commit() does not check the flush it makes on closing: a file cut short by a full disk would be put in place.
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() || !file.commit())
     {
         error = QStringLiteral("%1 cannot be saved: %2.").arg(native, file.errorString());
         return false;

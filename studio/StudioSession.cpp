@@ -155,14 +155,14 @@ bool StudioSession::IsModified() const
 
 bool StudioSession::ApplyRename(const QString& bone, const QString& newName)
 {
-    if (!mScene.RenameBone(bone, newName))
-        return false;
+    bool renamed = false;
     {
         AssignmentRecorder::Pause pause(mRecorder);
-        emit mHub.NameChanged(newName, bone);
+        renamed = mHub.ApplyRename(bone, newName);
     }
-    emit SkeletonChanged();
-    return true;
+    if (renamed)
+        emit SkeletonChanged();
+    return renamed;
 }
 
 bool StudioSession::ApplyDelete(const QString& bone)

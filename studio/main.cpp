@@ -2,7 +2,10 @@
 #include <cstdio>
 
 #include <QApplication>
+#include <QBuffer>
 #include <QCommandLineParser>
+#include <QFileInfo>
+#include <QSaveFile>
 #include <QTimer>
 
 #include <zelkin/CharacterTool.h>
@@ -48,6 +51,19 @@ Options ParseOptions(const QApplication& application)
             parser.value(page), parser.value(view), parser.value(select)};
 }
 
+// The picture replaces the file whole or not at all. It is encoded in memory first, so a failing disk meets a plain
+// write (the image writer leaks when its device fails), and flushed by hand: commit() does not check the flush it
+// makes on closing.
+bool SavePicture(QWidget& window, const QString& path)
+{
+    QByteArray picture;
+    QBuffer buffer(&picture);
+    QSaveFile file(path);
+    return buffer.open(QIODevice::WriteOnly) &&
+           window.grab().save(&buffer, QFileInfo(path).suffix().toLatin1().constData()) &&
+           file.open(QIODevice::WriteOnly) && file.write(picture) == picture.size() && file.flush() && file.commit();
+}
+
 void ApplyViewOptions(MainWindow& window, const Options& options)
 {
     window.GetTool()->setCurrentViewTab(options.page == QLatin1String("names") ? CharacterTool::NameMatchPage
@@ -82,7 +98,7 @@ int main(int argc, char** argv)
     // Once the window has been laid out and painted.
     int status = 0;
     QTimer::singleShot(500, &window, [&window, &options, &status] {
-        if (!window.grab().save(options.screenshot))
+        if (!SavePicture(window, options.screenshot))
         {
             std::fprintf(stderr, "zelkin-studio: cannot write %s\n", qPrintable(options.screenshot));
             status = 1;

@@ -92,6 +92,23 @@ TEST_F(SceneHubTest, AttachCountsFollowTheModel)
     EXPECT_FALSE(hub.DetachHostBone("mixamorig:LeftArm"));
 }
 
+TEST_F(SceneHubTest, DroppedCharacterizationsLetGoOfTheirBones)
+{
+    CharacterizationModel model(&hub);
+    ASSERT_TRUE(model.CreateCharacterization("Hero"));
+    model.AssignBone(kLeftArm, "mixamorig:LeftArm");
+    ASSERT_TRUE(model.CreateCharacterization("Villain"));
+    model.AssignBone(kLeftArm, "mixamorig:LeftArm");
+    model.AssignBone(kLeftForeArm, "mixamorig:LeftForeArm");
+    ASSERT_EQ(hub.GetAttachCount("mixamorig:LeftArm"), 2);
+
+    ASSERT_TRUE(hub.DeleteCharacterObject("Villain"));
+    EXPECT_EQ(hub.GetAttachCount("mixamorig:LeftArm"), 1);
+    EXPECT_EQ(hub.GetAttachCount("mixamorig:LeftForeArm"), 0);
+    ASSERT_TRUE(model.DeleteCharacterization(model.IndexOf("Hero")));
+    EXPECT_EQ(hub.GetAttachCount("mixamorig:LeftArm"), 0);
+}
+
 TEST_F(SceneHubTest, ModelFollowsCharacterObjects)
 {
     CharacterizationModel model(&hub);

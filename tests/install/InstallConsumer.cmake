@@ -10,7 +10,8 @@ endfunction()
 
 run_step("install" ${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${WORK_DIR}/prefix")
 run_step("configure" ${CMAKE_COMMAND} -S "${CONSUMER_SOURCE}" -B "${WORK_DIR}/build" -G "${GENERATOR}"
-    "-DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix")
+    "-DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix" "-DCMAKE_CXX_COMPILER=${COMPILER}"
+    "-DCMAKE_CXX_FLAGS=${SANITIZER_FLAGS}" "-DCMAKE_EXE_LINKER_FLAGS=${SANITIZER_FLAGS}")
 run_step("build" ${CMAKE_COMMAND} --build "${WORK_DIR}/build")
 run_step("run" "${WORK_DIR}/build/consumer")
 if(NOT STEP_OUTPUT MATCHES "consumer: ok")

@@ -10,6 +10,7 @@ namespace
 {
 const int kLeftArm = BoneCatalogue::NodeId("LeftArm");
 const int kLeftHand = BoneCatalogue::NodeId("LeftHand");
+const int kLeftToeBase = BoneCatalogue::NodeId("LeftToeBase");
 
 QVector3D Position(const Scene& scene, const QString& bone)
 {
@@ -27,6 +28,7 @@ protected:
     }
 
     int AttachCount(const QString& bone) { return GetScene().Find(bone)->attachCount; }
+    void MakeCurrent(const QString& name) { ASSERT_TRUE(Model().SetCurrentCharacterization(Model().IndexOf(name))); }
 
     QStringList matched;
 };
@@ -157,6 +159,61 @@ TEST_F(StudioUndoTest, DeletedBoneComesBackInPlaceWithItsCharacterizations)
     window->OnRedo();
     EXPECT_LT(GetScene().IndexOf("LeftHand"), 0);
     EXPECT_EQ(Session().GetEdits().size(), 1);
+}
+
+TEST_F(StudioUndoTest, RenamedBoneStaysMappedInEveryCharacterization)
+{
+    ASSERT_TRUE(Hub().RenameCharacterObject(Characterization::DefaultName(), "Hero"));
+    Hub().Lock(true);
+    ASSERT_TRUE(window->GetTool()->CreateCharacterization("Second"));
+    Model().AutoMatch();
+    MakeCurrent("Hero");
+    ASSERT_TRUE(Model().IsLocked());
+
+    // The locked current one and the other one both keep the joint under its new name.
+    ASSERT_TRUE(window->RenameBone("LeftArm", "armL"));
+    const auto hero = Model().FindCharacterization("Hero");
+    const auto second = Model().FindCharacterization("Second");
+    EXPECT_EQ(hero->GetBone(kLeftArm), "armL");
+    EXPECT_TRUE(hero->IsLocked());
+    EXPECT_EQ(second->GetBone(kLeftArm), "armL");
+    EXPECT_EQ(AttachCount("armL"), 2);
+    EXPECT_EQ(Model().GetValidationState(), Valid);
+
+    MakeCurrent("Second");
+    window->OnUndo();
+    EXPECT_EQ(hero->GetBone(kLeftArm), "LeftArm");
+    EXPECT_EQ(second->GetBone(kLeftArm), "LeftArm");
+    EXPECT_TRUE(hero->IsLocked());
+    EXPECT_EQ(AttachCount("LeftArm"), 2);
+}
+
+TEST_F(StudioUndoTest, UndoneDeleteGivesTheBoneBackOnlyWhereItWasTaken)
+{
+    ASSERT_TRUE(Hub().RenameCharacterObject(Characterization::DefaultName(), "Hero"));
+    ASSERT_TRUE(window->GetTool()->CreateCharacterization("Second"));
+    Model().AutoMatch();
+    ASSERT_TRUE(window->DeleteBones({"LeftToeBase"}));
+    // Locked again since, Hero keeps what it was locked with.
+    MakeCurrent("Hero");
+    Hub().Lock(true);
+    ASSERT_TRUE(Model().IsLocked());
+    const QStringList locked = Current().GetBoneNames();
+    MakeCurrent("Second");
+    window->OnUndo();
+    EXPECT_EQ(Model().FindCharacterization("Hero")->GetBoneNames(), locked);
+    EXPECT_TRUE(Model().FindCharacterization("Hero")->IsLocked());
+    EXPECT_EQ(Current().GetBone(kLeftToeBase), "LeftToeBase");
+    EXPECT_EQ(AttachCount("LeftToeBase"), 1);
+
+    // A characterization deleted since gets nothing back, and the bone is not counted as held by it.
+    window->OnRedo();
+    ASSERT_TRUE(Hub().DeleteCharacter("Second", false));
+    MakeCurrent("Hero");
+    Hub().Lock(false);
+    window->OnUndo();
+    ASSERT_GE(GetScene().IndexOf("LeftToeBase"), 0);
+    EXPECT_EQ(AttachCount("LeftToeBase"), 0);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QStyledItemDelegate>
 #include <QTest>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
@@ -220,6 +221,8 @@ TEST_F(StudioWindowTest, RenamedBoneStaysMappedInThePanelAndInTheProject)
         EXPECT_FALSE(window->RenameBone("armL", "Left Leg|"));
         EXPECT_EQ(answerer.Count(), 1);
         EXPECT_EQ(answerer.titles.value(0), "Rename Bone");
+        // The bone keeps its lower-case first letter in the message.
+        EXPECT_TRUE(answerer.texts.value(0).contains("bone armL cannot")) << answerer.texts.value(0).toStdString();
     }
     EXPECT_LT(GetScene().IndexOf("LeftLeg|"), 0);
     EXPECT_EQ(Current().GetBone(kLeftArm), "armL");
@@ -299,6 +302,36 @@ TEST_F(StudioWindowTest, FilterKeepsMatchesAndTheirAncestors)
     EXPECT_EQ(window->GetBoneTree()->VisibleBones().size(), 11);
     window->GetBoneTree()->GetFilter()->clear();
     EXPECT_EQ(window->GetBoneTree()->VisibleBones().size(), GetScene().BoneCount());
+}
+
+// Counts how often the view measures a cell.
+class MeasuringDelegate : public QStyledItemDelegate
+{
+public:
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        ++measured;
+        return QStyledItemDelegate::sizeHint(option, index);
+    }
+
+    mutable int measured = 0;
+};
+
+TEST_F(StudioWindowTest, BoneTreeMeasuresItsNodeColumnOncePerChange)
+{
+    ASSERT_TRUE(window->OpenSkeleton(Mixamo()));
+    QTreeWidget* tree = window->GetBoneTree()->GetTree();
+    MeasuringDelegate delegate;
+    tree->setItemDelegateForColumn(BoneTreeWidget::NodeColumn, &delegate);
+    Model().ClearAll();
+    QApplication::processEvents();
+    delegate.measured = 0;
+    // Every row gets a node; measuring the column again for each row would take the square of the rows.
+    Model().AutoMatch();
+    QApplication::processEvents();
+    EXPECT_GT(delegate.measured, 0);
+    EXPECT_LE(delegate.measured, 4 * GetScene().BoneCount());
+    tree->setItemDelegateForColumn(BoneTreeWidget::NodeColumn, nullptr);
 }
 
 TEST_F(StudioWindowTest, DroppedFileOpens)

@@ -49,7 +49,10 @@ protected:
 template <typename T>
 bool Is(const std::shared_ptr<CharacterizationValidator>& validator)
 {
-    return validator && typeid(*validator) == typeid(T);
+    if (!validator)
+        return false;
+    const CharacterizationValidator& object = *validator;
+    return typeid(object) == typeid(T);
 }
 
 void ExpectHoleGroup(const std::shared_ptr<CharacterizationValidator>& validator, const std::string& name, int first,

@@ -35,8 +35,9 @@ public:
         RollBoneAccepted = 1
     };
 
-    // The middle joints whose bending direction can be flipped; each value is also the solver's limb index.
-    enum InvertibleBone
+    // The middle joints whose bending direction can be flipped; each value is also the solver's limb index. A host
+    // may pass any int, which the fixed type keeps a valid value for the range check to refuse.
+    enum InvertibleBone : int
     {
         LeftKnee = 0,
         RightKnee = 1,

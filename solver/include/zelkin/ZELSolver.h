@@ -20,7 +20,8 @@ struct ZELCharacterState;
 typedef void* (*ZELMalloc)(size_t);
 typedef void (*ZELFree)(void*);
 
-enum ZELRotationOrder
+// The fixed type lets a joint carry whatever order a file gave it, so readers can refuse values past the last.
+enum ZELRotationOrder : int32_t
 {
     ZELEulerXYZ,
     ZELEulerXYX,

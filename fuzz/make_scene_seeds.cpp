@@ -1,0 +1,237 @@
+// Writes the scene fuzzers' seeds from one BVH skeleton: the file itself, and the skeleton as Assimp exports it to
+// glTF (binary, and text with its buffer embedded), FBX (binary and ASCII) and Collada: the whole skeleton with its
+// motion, and a few joints skinning a small mesh, so that both ways the scene library finds bones are fuzzed.
+// Usage: make_scene_seeds <skeleton.bvh> <output directory>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+
+#include <assimp/Exporter.hpp>
+#include <assimp/config.h>
+#include <assimp/Importer.hpp>
+#include <assimp/scene.h>
+
+#include "BinaryFbx.h"
+
+namespace
+{
+// Deep enough for hips, spine and legs: a seed small enough to fuzz quickly.
+constexpr int SmallDepth = 4;
+
+struct Format
+{
+    const char* id; // the Assimp exporter
+    const char* directory;
+    const char* extension;
+    // The whole skeleton in FBX is some 300 KiB, which slows the fuzzer down several times over; the small skinned
+    // one has the same kinds of records.
+    bool whole;
+};
+
+const Format Formats[] = {{"glb2", "gltf", "glb", true},
+                          {"gltf2", "gltf", "gltf", true},
+                          {"fbx", "fbx", "fbx", false},
+                          {"fbxa", "fbx", "fbx", false},
+                          {"collada", "collada", "dae", true}};
+
+bool WriteFile(const QString& path, const QByteArray& bytes)
+{
+    QSaveFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+}
+
+void Prune(aiNode& node, int depth)
+{
+    if (depth > 1)
+    {
+        for (unsigned i = 0; i < node.mNumChildren; ++i)
+            Prune(*node.mChildren[i], depth - 1);
+        return;
+    }
+    for (unsigned i = 0; i < node.mNumChildren; ++i)
+        delete node.mChildren[i];
+    delete[] node.mChildren;
+    node.mChildren = nullptr;
+    node.mNumChildren = 0;
+}
+
+void DropAnimations(aiScene& scene)
+{
+    for (unsigned i = 0; i < scene.mNumAnimations; ++i)
+        delete scene.mAnimations[i];
+    delete[] scene.mAnimations;
+    scene.mAnimations = nullptr;
+    scene.mNumAnimations = 0;
+}
+
+using Joints = std::vector<std::pair<const aiNode*, aiMatrix4x4>>;
+
+void CollectJoints(const aiNode& node, const aiMatrix4x4& parent, Joints& out)
+{
+    const aiMatrix4x4 global = parent * node.mTransformation;
+    out.emplace_back(&node, global);
+    for (unsigned i = 0; i < node.mNumChildren; ++i)
+        CollectJoints(*node.mChildren[i], global, out);
+}
+
+// One vertex at each joint, weighted fully to it, in triangles of consecutive joints.
+aiMesh* SkinnedMesh(const aiNode& root)
+{
+    Joints joints;
+    CollectJoints(root, aiMatrix4x4(), joints);
+    const unsigned count = static_cast<unsigned>(joints.size());
+    auto* mesh = new aiMesh;
+    mesh->mName = "Body";
+    mesh->mPrimitiveTypes = aiPrimitiveType_TRIANGLE;
+    mesh->mNumVertices = count;
+    mesh->mVertices = new aiVector3D[count];
+    mesh->mNumBones = count;
+    mesh->mBones = new aiBone*[count];
+    for (unsigned i = 0; i < count; ++i)
+    {
+        const aiMatrix4x4& global = joints[i].second;
+        mesh->mVertices[i] = aiVector3D(global.a4, global.b4, global.c4);
+        auto* bone = new aiBone;
+        bone->mName = joints[i].first->mName;
+        bone->mOffsetMatrix = aiMatrix4x4(global).Inverse();
+        bone->mNumWeights = 1;
+        bone->mWeights = new aiVertexWeight[1];
+        bone->mWeights[0] = aiVertexWeight(i, 1.0f);
+        mesh->mBones[i] = bone;
+    }
+    mesh->mNumFaces = count / 3;
+    mesh->mFaces = new aiFace[mesh->mNumFaces];
+    for (unsigned f = 0; f < mesh->mNumFaces; ++f)
+    {
+        mesh->mFaces[f].mNumIndices = 3;
+        mesh->mFaces[f].mIndices = new unsigned[3] {3 * f, 3 * f + 1, 3 * f + 2};
+    }
+    return mesh;
+}
+
+// The skeleton and a mesh node side by side under a new root.
+void AddSkinnedMesh(aiScene& scene)
+{
+    aiNode* skeleton = scene.mRootNode;
+    auto* root = new aiNode("Scene");
+    auto* body = new aiNode("Body");
+    body->mNumMeshes = 1;
+    body->mMeshes = new unsigned[1] {0};
+    root->addChildren(1, &skeleton);
+    root->addChildren(1, &body);
+    scene.mRootNode = root;
+    scene.mNumMeshes = 1;
+    scene.mMeshes = new aiMesh*[1] {SkinnedMesh(*skeleton)};
+    if (scene.mNumMaterials == 0)
+    {
+        scene.mNumMaterials = 1;
+        scene.mMaterials = new aiMaterial*[1] {new aiMaterial};
+    }
+}
+
+// A text glTF names its buffer as a second file; the seed carries it inline, so one file is the whole input.
+QByteArray EmbedBuffers(const aiExportDataBlob& blob)
+{
+    QJsonObject document = QJsonDocument::fromJson(QByteArray(static_cast<const char*>(blob.data),
+                                                              static_cast<qsizetype>(blob.size)))
+                               .object();
+    QJsonArray buffers = document.value(QStringLiteral("buffers")).toArray();
+    if (blob.next == nullptr || buffers.size() != 1)
+        return {};
+    const QByteArray bytes(static_cast<const char*>(blob.next->data), static_cast<qsizetype>(blob.next->size));
+    QJsonObject buffer = buffers[0].toObject();
+    buffer[QStringLiteral("uri")] =
+        QString::fromLatin1("data:application/octet-stream;base64," + bytes.toBase64());
+    buffers[0] = buffer;
+    document[QStringLiteral("buffers")] = buffers;
+    return QJsonDocument(document).toJson(QJsonDocument::Compact);
+}
+
+QByteArray Export(const aiScene& scene, const Format& format)
+{
+    Assimp::Exporter exporter;
+    const aiExportDataBlob* blob = exporter.ExportToBlob(&scene, format.id);
+    if (blob == nullptr)
+    {
+        std::fprintf(stderr, "cannot export as %s: %s\n", format.id, exporter.GetErrorString());
+        return {};
+    }
+    const std::string id = format.id;
+    if (id == "gltf2")
+        return EmbedBuffers(*blob);
+    const QByteArray bytes(static_cast<const char*>(blob->data), static_cast<qsizetype>(blob->size));
+    return id == "fbx" ? CloseBinaryFbxRecords(bytes) : bytes;
+}
+
+std::unique_ptr<aiScene> Read(const QString& path)
+{
+    Assimp::Importer importer;
+    // As the studio reads it: the skeleton alone, without a made-up mesh skinned by every node.
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);
+    if (importer.ReadFile(QFile::encodeName(path).toStdString(), 0) == nullptr)
+    {
+        std::fprintf(stderr, "cannot read %s: %s\n", qPrintable(path), importer.GetErrorString());
+        return nullptr;
+    }
+    return std::unique_ptr<aiScene>(importer.GetOrphanedScene());
+}
+
+bool WriteExports(const aiScene& scene, bool whole, const QString& name, const QDir& output)
+{
+    for (const Format& format : Formats)
+    {
+        if (whole && !format.whole)
+            continue;
+        const QByteArray bytes = Export(scene, format);
+        const QString directory = QString::fromLatin1(format.directory);
+        const QString file = QStringLiteral("%1/%2_%3.%4").arg(directory, name, QString::fromLatin1(format.id),
+                                                              QString::fromLatin1(format.extension));
+        if (bytes.isEmpty() || !output.mkpath(directory) || !WriteFile(output.filePath(file), bytes))
+        {
+            std::fprintf(stderr, "cannot write %s\n", qPrintable(output.filePath(file)));
+            return false;
+        }
+    }
+    return true;
+}
+
+bool CopySkeleton(const QString& path, const QDir& output)
+{
+    QFile source(path);
+    return source.open(QIODevice::ReadOnly) && output.mkpath(QStringLiteral("bvh")) &&
+           WriteFile(output.filePath(QStringLiteral("bvh/") + QFileInfo(path).fileName()), source.readAll());
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 3)
+    {
+        std::fprintf(stderr, "usage: %s <skeleton.bvh> <output directory>\n", argv[0]);
+        return 2;
+    }
+    const QString skeleton = QString::fromLocal8Bit(argv[1]);
+    const QDir output(QString::fromLocal8Bit(argv[2]));
+    const std::unique_ptr<aiScene> whole = Read(skeleton);
+    std::unique_ptr<aiScene> small = Read(skeleton);
+    if (!whole || !small)
+        return 1;
+    Prune(*small->mRootNode, SmallDepth);
+    DropAnimations(*small);
+    AddSkinnedMesh(*small);
+    const bool written = CopySkeleton(skeleton, output) &&
+                         WriteExports(*whole, true, QStringLiteral("humanoid"), output) &&
+                         WriteExports(*small, false, QStringLiteral("skinned"), output);
+    return written ? 0 : 1;
+}
