@@ -7,6 +7,7 @@
 #include <zelkin/MappingTemplate.h>
 #include <zelkin/TemplateChooser.h>
 #include <zelkin/TemplateLibrary.h>
+#include <zelkin/UserConfiguration.h>
 
 namespace
 {
@@ -16,7 +17,14 @@ bool NamesFile(const QString& argument)
     return argument.contains(QLatin1Char('/')) || argument.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive);
 }
 
-bool LoadTemplate(const CharacterizationModel& model, const QString& argument, MappingTemplate& loaded,
+// The command line's model has no resource bridge: it reads the user's template folder and matches with the
+// built-in delimiters, as the model does then.
+TemplateLibrary Library()
+{
+    return TemplateLibrary(UserConfiguration::TemplateDirectory());
+}
+
+bool LoadTemplate(const QString& argument, MappingTemplate& loaded,
                   QString& error)
 {
     QString problem;
@@ -28,7 +36,7 @@ bool LoadTemplate(const CharacterizationModel& model, const QString& argument, M
             error = QStringLiteral("%1: not a mapping template (%2)").arg(argument, problem);
         return error.isEmpty();
     }
-    const TemplateLibrary library = model.GetTemplateLibrary();
+    const TemplateLibrary library = Library();
     if (!library.Contains(argument))
         error = QStringLiteral("no template named \"%1\" (zelkin templates lists them)").arg(argument);
     else if (!library.Load(argument, loaded, &problem))
@@ -36,6 +44,17 @@ bool LoadTemplate(const CharacterizationModel& model, const QString& argument, M
     return error.isEmpty();
 }
 } // namespace
+
+void SkeletonMapping::StartChoosing()
+{
+    if (!templateArgument.isEmpty())
+        return;
+    const NameMatcher::MatchType matchType = type;
+    mChooser = std::async(std::launch::async, [matchType] {
+                   return std::shared_ptr<const TemplateChooser>(std::make_shared<TemplateChooser>(
+                       Library(), matchType, UserConfiguration::BuiltInDelimiters()));
+               }).share();
+}
 
 bool SkeletonMapping::Apply(CharacterizationModel& model, ValidationReport::Mapping& mapping, QString& error) const
 {
@@ -52,18 +71,20 @@ bool SkeletonMapping::Apply(CharacterizationModel& model, ValidationReport::Mapp
     std::vector<NameMatcher::Assignment> matches;
     if (templateArgument.isEmpty())
     {
-        const TemplateChooser chooser(model.GetTemplateLibrary(), type, model.GetNameDelimiters());
-        TemplateChooser::Result best = chooser.Choose(offered, leaves, prefix);
+        const std::shared_ptr<const TemplateChooser> chooser =
+            mChooser.valid() ? mChooser.get()
+                             : std::make_shared<TemplateChooser>(Library(), type, UserConfiguration::BuiltInDelimiters());
+        TemplateChooser::Result best = chooser->Choose(offered, leaves, prefix);
         mapping.templateName = best.templateName;
         matches = std::move(best.assignments);
     }
     else
     {
         MappingTemplate chosen;
-        if (!LoadTemplate(model, templateArgument, chosen, error))
+        if (!LoadTemplate(templateArgument, chosen, error))
             return false;
         mapping.templateName = templateArgument;
-        matches = NameMatcher(chosen, type, model.GetNameDelimiters()).Match(offered, prefix, {});
+        matches = NameMatcher(chosen, type, UserConfiguration::BuiltInDelimiters()).Match(offered, prefix, {});
     }
 
     std::vector<CharacterizationModel::Assignment> batch;

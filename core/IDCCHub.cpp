@@ -4,6 +4,17 @@
 #include <zelkin/CharacterTool.h>
 #include <zelkin/CharacterizationModel.h>
 
+namespace
+{
+// The panel is reached through its meta-object, so that a host without it (the command line) need not load Qt's
+// widget libraries just to link the hub.
+template <typename... Arguments>
+bool Ask(CharacterTool* tool, const char* operation, Arguments... arguments)
+{
+    return tool != nullptr && QMetaObject::invokeMethod(tool, operation, Qt::DirectConnection, arguments...);
+}
+} // namespace
+
 static_assert(int(IDCCHub::LeftKnee) == int(ZELLimbLeftLeg) && int(IDCCHub::RightKnee) == int(ZELLimbRightLeg) &&
                   int(IDCCHub::LeftElbow) == int(ZELLimbLeftArm) && int(IDCCHub::RightElbow) == int(ZELLimbRightArm),
               "an invertible bone selects the limb flag of its limb");
@@ -145,7 +156,7 @@ void IDCCHub::Lock(bool lock)
     if (model == nullptr)
         return;
     model->CheckGeometry();
-    mTool->DoToggleEditMode(lock);
+    Ask(mTool, "DoToggleEditMode", Q_ARG(bool, lock));
 }
 
 bool IDCCHub::IsLocked() const
@@ -157,31 +168,31 @@ bool IDCCHub::IsLocked() const
 void IDCCHub::MirrorMatching()
 {
     if (mTool != nullptr)
-        mTool->ToggleMirrorMode();
+        Ask(mTool, "ToggleMirrorMode");
 }
 
 void IDCCHub::ShowMapBones()
 {
     if (Model() != nullptr)
-        mTool->AutoMatch();
+        Ask(mTool, "AutoMatch");
 }
 
 void IDCCHub::ShowConfigureMirrorMatching()
 {
     if (Model() != nullptr)
-        mTool->ConfigMirror();
+        Ask(mTool, "ConfigMirror");
 }
 
 void IDCCHub::ShowSaveCharacterization()
 {
     if (Model() != nullptr)
-        mTool->OnSave();
+        Ask(mTool, "OnSave");
 }
 
 void IDCCHub::ShowExtractMappingTemplate()
 {
     if (Model() != nullptr)
-        mTool->ExtractTemplate();
+        Ask(mTool, "ExtractTemplate");
 }
 
 bool IDCCHub::IsMirrorToggle() const
@@ -230,7 +241,8 @@ bool IDCCHub::DeleteCharacter(const QString& characterName, bool confirm)
         return false;
     const std::shared_ptr<Characterization> previous = model->GetCurrentCharacterization();
     model->SetCurrentCharacterization(index);
-    if (mTool->DoDelete(confirm))
+    bool deleted = false;
+    if (Ask(mTool, "DoDelete", Q_RETURN_ARG(bool, deleted), Q_ARG(bool, confirm)) && deleted)
         return true;
     model->SetCurrentCharacterization(model->IndexOf(previous.get()));
     return false;
@@ -250,7 +262,7 @@ bool IDCCHub::DeleteAllCharacters(bool confirm)
 void IDCCHub::DeleteCurrentCharacter()
 {
     if (Model() != nullptr)
-        mTool->OnDelete();
+        Ask(mTool, "OnDelete");
 }
 
 QString IDCCHub::GetCurrentCharacterNodeName() const

@@ -5,24 +5,10 @@
 #include <zelkin/TemplateLibrary.h>
 #include <zelkin/UserConfiguration.h>
 
-#include "PictureCache.h"
-
 namespace
 {
-const QString ConfigurationFile = QStringLiteral("config/characterization_tool.xml");
 const QString TemplateFolder = QStringLiteral("template");
 } // namespace
-
-ResourceBridge::ResourceBridge(const QDir& dataDirectory, const QDir& configurationDirectory)
-    : mDataDirectory(IsUnset(dataDirectory) ? QDir::currentPath() : dataDirectory.absolutePath())
-    , mConfigurationFile(IsUnset(configurationDirectory) ? UserConfiguration::ConfigFilePath()
-                                                          : configurationDirectory.absoluteFilePath(ConfigurationFile))
-    , mPictures(std::make_unique<PictureCache>())
-    , mConfiguration(std::make_unique<UserConfiguration>(mConfigurationFile))
-{
-}
-
-ResourceBridge::~ResourceBridge() = default;
 
 bool ResourceBridge::IsUnset(const QDir& directory)
 {

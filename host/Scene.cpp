@@ -70,7 +70,7 @@ bool Scene::DeleteBone(const QString& name)
     if (index < 0)
         return false;
     const int parent = Bone(index).parent;
-    const QMatrix4x4 parentInverse = parent < 0 ? QMatrix4x4() : Bone(parent).global.inverted();
+    const QMatrix4x4 parentInverse = parent < 0 ? QMatrix4x4() : Bone(parent).InverseGlobal();
     for (int child : Children(index))
     {
         SceneBone& bone = Bone(child);

@@ -26,6 +26,8 @@ struct SceneBone
 
     // Translation, rotation and scale of the global transform; a mirroring transform gets a negative x scale.
     void DecomposeGlobal(QVector3D& translation, QQuaternion& rotation, QVector3D& scale) const;
+    // The inverse of the global transform (an affine one); identity when it cannot be inverted.
+    QMatrix4x4 InverseGlobal() const;
     // True when the global scale's axes differ by more than `tolerance` relative to the largest one.
     bool HasNonUniformScale(float tolerance) const;
 };

@@ -41,6 +41,9 @@ std::unique_ptr<PatternAutomaton> PatternAutomaton::Build(Kind kind, const std::
         states += size_t(pattern.size());
     if (states * size_t(std::max(automaton->mAlphabet, 1)) > MaxTableSize)
         return nullptr;
+    // Growing the table state by state would copy it over and over; its bound is known.
+    automaton->mNext.reserve(states * size_t(std::max(automaton->mAlphabet, 1)));
+    automaton->mNode.reserve(states);
     automaton->AddState();
     for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
         if (!folded[nodeId].isEmpty())

@@ -30,6 +30,12 @@ bool IsUsableName(const QString& name)
 
 QString TemplateLibrary::ShippedDirectory()
 {
+    // Registers the shipped templates also where the library is linked statically.
+    static const bool registered = [] {
+        Q_INIT_RESOURCE(zelkin_templates);
+        return true;
+    }();
+    Q_UNUSED(registered);
     return QStringLiteral(":/zelkin/templates");
 }
 

@@ -102,4 +102,37 @@ TEST(SceneBoneTest, DecomposesRotationAndMirroringScale)
     EXPECT_FALSE(bone.HasNonUniformScale(1e-4f));
 }
 
+TEST(SceneBoneTest, DecomposesRotationsNearAHalfTurnAboutEachAxis)
+{
+    // Where the matrix's trace is near -1 the quaternion comes from its largest diagonal term instead.
+    const QVector3D axes[] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 0}};
+    for (const QVector3D& axis : axes)
+    {
+        SceneBone bone;
+        bone.global.rotate(179.5f, axis);
+        QVector3D translation;
+        QQuaternion rotation;
+        QVector3D scale;
+        bone.DecomposeGlobal(translation, rotation, scale);
+        const QQuaternion expected = QQuaternion::fromAxisAndAngle(axis, 179.5f);
+        EXPECT_NEAR(std::abs(QQuaternion::dotProduct(rotation, expected)), 1.0, 1e-5) << axis.x() << axis.y();
+    }
+}
+
+TEST(SceneBoneTest, InvertsItsGlobalTransform)
+{
+    SceneBone bone;
+    bone.global.translate(4, -2, 7);
+    bone.global.rotate(40, 1, 2, 3);
+    bone.global.scale(2, 0.5f, 3);
+    const QMatrix4x4 product = bone.InverseGlobal() * bone.global;
+    for (int row = 0; row < 4; ++row)
+        for (int column = 0; column < 4; ++column)
+            EXPECT_NEAR(product(row, column), row == column ? 1.0f : 0.0f, 1e-5f) << row << column;
+
+    // A bone squashed flat has no inverse; its children then keep their global transforms as local ones.
+    bone.global.scale(1, 0, 1);
+    EXPECT_TRUE(bone.InverseGlobal().isIdentity());
+}
+
 } // namespace

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QCompleter>
 #include <QLineEdit>
+#include <QPointer>
 #include <QMenu>
 #include <QMessageBox>
 #include <QSignalSpy>
@@ -470,8 +471,11 @@ protected:
     void Type(QLineEdit* editor, const QString& text)
     {
         editor->setText(text);
+        const QPointer<QLineEdit> open(editor);
         QTest::keyClick(editor, Qt::Key_Return);
-        // The editor commits after the key, and the name is applied only once the editor has closed.
+        // The editor commits after the key, and the name is applied only once the editor has closed; a loaded
+        // machine can take a while to get there.
+        QTest::qWaitFor([&open] { return open.isNull(); }, 5000);
         QTest::qWait(20);
     }
 };

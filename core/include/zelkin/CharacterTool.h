@@ -77,9 +77,9 @@ public:
     bool SetCharacterization(const Characterization* characterization);
     bool SetCharacterization(int index);
     // confirm: ask the user first while the delete confirmation is on.
-    bool DoDelete(bool confirm);
+    Q_INVOKABLE bool DoDelete(bool confirm);
     // Locking needs a valid characterization and offers to clear the nodes whose bones are gone.
-    bool DoToggleEditMode(bool readOnly);
+    Q_INVOKABLE bool DoToggleEditMode(bool readOnly);
     void DoToggleMirrorMode(bool mirror);
     // Moves in-line roll assignments onto the first-level leaf roll node of their limb, or drops them when that node
     // is taken; returns the in-line nodes rewritten.
