@@ -475,7 +475,7 @@ protected:
         QTest::keyClick(editor, Qt::Key_Return);
         // The editor commits after the key, and the name is applied only once the editor has closed; a loaded
         // machine can take a while to get there.
-        QTest::qWaitFor([&open] { return open.isNull(); }, 5000);
+        EXPECT_TRUE(QTest::qWaitFor([&open] { return open.isNull(); }, 5000)) << "the editor stayed open";
         QTest::qWait(20);
     }
 };
