@@ -5,6 +5,7 @@
 
 #include <QHash>
 #include <QRegularExpression>
+#include <QSet>
 #include <QXmlStreamReader>
 
 namespace
@@ -117,7 +118,9 @@ public:
             return QStringLiteral("it is not well-formed XML (line %1: %2)")
                 .arg(mXml.lineNumber())
                 .arg(mXml.errorString());
-        const QString problem = AccessorProblem();
+        QString problem = AccessorProblem();
+        if (problem.isEmpty())
+            problem = SourceKindProblem();
         return problem.isEmpty() ? SkinProblem() : problem;
     }
 
@@ -129,7 +132,7 @@ private:
         if (name == QLatin1String("p") && !IsIndexList(mXml.readElementText()))
             return QStringLiteral("a Collada index list holds something other than numbers");
         if (name.endsWith(QLatin1String("_array")))
-            return Array(attributes);
+            return Array(name, attributes);
         if (name == QLatin1String("source"))
             mSource = attributes.value(QLatin1String("id")).toString();
         else if (name == QLatin1String("geometry"))
@@ -137,7 +140,9 @@ private:
         else if (name == QLatin1String("accessor"))
             StartAccessor(attributes);
         else if (name == QLatin1String("param") && mInAccessor)
-            ++mAccessors.back().params;
+            mAccessors.back().params += attributes.value(QLatin1String("type")) == QLatin1String("float4x4") ? 16 : 1;
+        else if (name == QLatin1String("sampler"))
+            mInSampler = true;
         else if (name == QLatin1String("vertices") || name == QLatin1String("vertex_weights"))
             StartSet(name, attributes);
         else if (name == QLatin1String("input"))
@@ -162,14 +167,19 @@ private:
             mInWeights = false;
         else if (name == QLatin1String("source"))
             mSource.clear();
+        else if (name == QLatin1String("sampler"))
+            mInSampler = false;
     }
 
-    QString Array(const QXmlStreamAttributes& attributes)
+    QString Array(const QString& name, const QXmlStreamAttributes& attributes)
     {
         const qulonglong count = Number(attributes, "count", 0);
         if (count > static_cast<qulonglong>(mXml.readElementText().size()))
             return QStringLiteral("a Collada array claims more values than it holds");
-        mArrays.insert(attributes.value(QLatin1String("id")).toString(), count);
+        const QString id = attributes.value(QLatin1String("id")).toString();
+        mArrays.insert(id, count);
+        if (name == QLatin1String("Name_array") || name == QLatin1String("IDREF_array"))
+            mNameArrays.insert(id);
         return QString();
     }
 
@@ -202,6 +212,8 @@ private:
         const QStringView semantic = attributes.value(QLatin1String("semantic"));
         if (mInVertices && semantic == QLatin1String("POSITION"))
             mPositions.insert(mGeometry, Reference(attributes, "source"));
+        if (mInSampler && (semantic == QLatin1String("INPUT") || semantic == QLatin1String("OUTPUT")))
+            mNumberSources.insert(Reference(attributes, "source"));
         if (mSkins.empty())
             return;
         Skin& skin = mSkins.back();
@@ -209,6 +221,8 @@ private:
         {
             if (semantic == QLatin1String("JOINT"))
                 skin.jointNames = Reference(attributes, "source");
+            else if (semantic == QLatin1String("INV_BIND_MATRIX"))
+                mNumberSources.insert(Reference(attributes, "source"));
             return;
         }
         ++skin.inputs;
@@ -221,6 +235,7 @@ private:
         {
             skin.weightSource = Reference(attributes, "source");
             skin.weightOffset = Number(attributes, "offset", 0);
+            mNumberSources.insert(skin.weightSource);
         }
     }
 
@@ -233,6 +248,30 @@ private:
                 return QStringLiteral("the Collada accessor of %1 reads past its array").arg(accessor.array);
         }
         return QString();
+    }
+
+    // Assimp reads numbers of a list of names, or names of a list of numbers, without looking (an assertion aborts).
+    QString SourceKindProblem() const
+    {
+        for (const QString& source : mNumberSources)
+        {
+            if (IsNameSource(source))
+                return QStringLiteral("the Collada source %1 holds names where numbers belong").arg(source);
+        }
+        for (const Skin& skin : mSkins)
+        {
+            const auto accessor = mSourceAccessors.constFind(skin.jointNames);
+            if (accessor != mSourceAccessors.constEnd() && mArrays.contains(mAccessors[accessor.value()].array) &&
+                !IsNameSource(skin.jointNames))
+                return QStringLiteral("the Collada source %1 holds numbers where bone names belong").arg(skin.jointNames);
+        }
+        return QString();
+    }
+
+    bool IsNameSource(const QString& source) const
+    {
+        const auto accessor = mSourceAccessors.constFind(source);
+        return accessor != mSourceAccessors.constEnd() && mNameArrays.contains(mAccessors[accessor.value()].array);
     }
 
     // How many elements a source offers: its accessor's count, and no more than its array holds. Unknown sources
@@ -286,12 +325,15 @@ private:
     std::vector<Accessor> mAccessors;
     QHash<QString, size_t> mSourceAccessors;
     QHash<QString, QString> mPositions; // geometry to its position source
+    QSet<QString> mNameArrays;
+    QSet<QString> mNumberSources; // read as numbers: animation keys and values, skin weights and bind matrices
     std::vector<Skin> mSkins;
     QString mSource;
     QString mGeometry;
     bool mInAccessor = false;
     bool mInVertices = false;
     bool mInWeights = false;
+    bool mInSampler = false;
 };
 } // namespace
 

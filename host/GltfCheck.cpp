@@ -55,16 +55,24 @@ bool GltfCheck::IsBinary(const QByteArray& head)
     return head.startsWith("glTF");
 }
 
-QByteArray GltfCheck::BinaryJson(QIODevice& device)
+QString GltfCheck::BinaryProblem(QIODevice& device)
 {
+    // Assimp 5.2 allocates whatever length the header claims before comparing it with the file, and when neither of
+    // its glTF readers accepts the header it hands the file to every other reader in turn.
     const QByteArray header = device.read(HeaderBytes);
+    const QString damaged = QStringLiteral("its binary glTF header is damaged");
     if (header.size() < HeaderBytes)
-        return {};
+        return QStringLiteral("it is shorter than its glTF header says");
     const quint32 version = qFromLittleEndian<quint32>(header.constData() + 4);
-    const quint32 length = qFromLittleEndian<quint32>(header.constData() + 12);
-    if ((version == 2 && header.mid(16, 4) != "JSON") || length > device.size() - HeaderBytes)
-        return {};
-    return device.read(length);
+    const qint64 fileLength = qFromLittleEndian<quint32>(header.constData() + 8);
+    const qint64 jsonLength = qFromLittleEndian<quint32>(header.constData() + 12);
+    const quint32 jsonFormat = qFromLittleEndian<quint32>(header.constData() + 16);
+    const bool knownContent = (version == 2 && header.mid(16, 4) == "JSON") || (version == 1 && jsonFormat == 0);
+    if (fileLength > device.size())
+        return QStringLiteral("it is shorter than its glTF header says");
+    if (!knownContent || jsonLength > fileLength - HeaderBytes)
+        return damaged;
+    return Problem(device.read(jsonLength));
 }
 
 QString GltfCheck::Problem(const QByteArray& json)

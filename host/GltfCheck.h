@@ -11,8 +11,8 @@ class GltfCheck
 public:
     // Whether these first bytes of a file start a binary glTF file.
     static bool IsBinary(const QByteArray& head);
-    // The JSON of a binary glTF file; empty when its header is damaged, which Assimp refuses by itself.
-    static QByteArray BinaryJson(QIODevice& device);
+    // Why the binary glTF file in the device must not reach Assimp; empty when nothing is known against it.
+    static QString BinaryProblem(QIODevice& device);
     // Why the document must not reach Assimp, for the user; empty when nothing is known against it.
     static QString Problem(const QByteArray& json);
 };

@@ -40,10 +40,7 @@ QString SceneFileCheck::Problem(const QString& path)
         return QString(); // Assimp tells why
     const QByteArray head = file.peek(SniffedBytes);
     if (GltfCheck::IsBinary(head))
-    {
-        const QByteArray json = GltfCheck::BinaryJson(file);
-        return json.isEmpty() ? QString() : GltfCheck::Problem(json);
-    }
+        return GltfCheck::BinaryProblem(file);
     if (FbxCheck::IsBinary(head))
         return FbxCheck::Problem(file.readAll());
     if (LooksLikeGltfText(path, head))

@@ -2,10 +2,15 @@
 
 #include <exception>
 #include <memory>
+#include <set>
+#include <string>
+#include <vector>
 
 #include <QDir>
 #include <QFileInfo>
 
+#include <assimp/BaseImporter.h>
+#include <assimp/DefaultIOSystem.h>
 #include <assimp/Importer.hpp>
 #include <assimp/config.h>
 #include <assimp/scene.h>
@@ -43,6 +48,43 @@ QString AssimpError(const Assimp::Importer& importer)
     return error.isEmpty() ? QStringLiteral("unknown format or damaged file") : error;
 }
 
+bool EndsWith(const std::string& path, const std::string& extension)
+{
+    const QString file = QString::fromStdString(path);
+    return file.endsWith(QLatin1Char('.') + QString::fromStdString(extension), Qt::CaseInsensitive);
+}
+
+// When several readers share the file's extension and none accepts the file, Assimp offers it to every other reader
+// it has, judged by content; hostile files crash some of those. A file whose extension no reader claims still goes
+// to that search, so that a renamed skeleton opens.
+bool NoReaderAccepts(const Assimp::Importer& importer, const std::string& path)
+{
+    std::vector<Assimp::BaseImporter*> readers;
+    for (size_t index = 0; index < importer.GetImporterCount(); ++index)
+    {
+        std::set<std::string> extensions;
+        Assimp::BaseImporter* reader = importer.GetImporter(index);
+        reader->GetExtensionList(extensions);
+        for (const std::string& extension : extensions)
+        {
+            if (EndsWith(path, extension))
+            {
+                readers.push_back(reader);
+                break;
+            }
+        }
+    }
+    if (readers.size() < 2)
+        return false;
+    Assimp::DefaultIOSystem files; // a look at the file is not progress of the import
+    for (Assimp::BaseImporter* reader : readers)
+    {
+        if (reader->CanRead(path, &files, false))
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 bool SceneImporter::Import(const QString& path, Scene& scene)
@@ -67,7 +109,10 @@ bool SceneImporter::Import(const QString& path, Scene& scene)
         // The importer owns both and deletes them before `progress` goes.
         importer.SetIOHandler(new ProgressIOSystem(progress));
         importer.SetProgressHandler(new ImportProgressHandler(progress));
-        importer.ReadFile(QFile::encodeName(path).toStdString(), 0);
+        const std::string file = QFile::encodeName(path).toStdString();
+        if (NoReaderAccepts(importer, file))
+            return Fail(path, QStringLiteral("it is not a valid .%1 file").arg(QFileInfo(path).suffix()));
+        importer.ReadFile(file, 0);
         // Ours at once, so that it is mended before anything can delete it.
         const std::unique_ptr<aiScene> source(importer.GetOrphanedScene());
         if (source)

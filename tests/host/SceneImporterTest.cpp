@@ -131,7 +131,7 @@ protected:
         EXPECT_TRUE(importer.ErrorText().startsWith("cannot read " + path + ": ")) << importer.ErrorText().toStdString();
         if (!reason.isEmpty())
         {
-            EXPECT_EQ(importer.ErrorText(), "cannot read " + path + ": " + reason);
+            EXPECT_EQ(importer.ErrorText().toStdString(), ("cannot read " + path + ": " + reason).toStdString());
         }
         EXPECT_EQ(scene.BoneCount(), 53);
         EXPECT_EQ(scene.SourcePath(), kSample);
@@ -154,6 +154,28 @@ TEST_F(ImportFailureTest, UnreadableFilesLeaveTheSceneAlone)
         "cameras":[{"type":"perspective","perspective":{"yfov":1.0,"znear":0.1}}],"nodes":[{"name":"Cam","camera":0}]})";
     ExpectRefused(WriteFile(dir, "camera.gltf", cameraOnly), "the file holds no skeleton");
     EXPECT_FALSE(importer.WasCancelled());
+}
+
+// Assimp allocates what a binary glTF header claims, and offers a file its glTF readers refuse to all its other
+// readers; such files must be refused before it sees them.
+TEST_F(ImportFailureTest, DamagedGltfFilesAreRefusedBeforeAssimpReadsThem)
+{
+    QFile file(kCorpus + "mixamo_xbot.glb");
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray xbot = file.readAll();
+    const auto patched = [&xbot](int offset, const QByteArray& bytes) {
+        return QByteArray(xbot).replace(offset, bytes.size(), bytes);
+    };
+    const QString damaged = QStringLiteral("its binary glTF header is damaged");
+    ExpectRefused(WriteFile(dir, "huge_json.glb", patched(12, QByteArray("\x50\x00\x00\xd4", 4))), damaged);
+    ExpectRefused(WriteFile(dir, "not_json.glb", patched(16, "vert")), damaged);
+    ExpectRefused(WriteFile(dir, "version.glb", patched(4, QByteArray("\x03\x00\x00\x00", 4))), damaged);
+    ExpectRefused(WriteFile(dir, "short.glb", xbot.left(xbot.size() - 1)), "it is shorter than its glTF header says");
+    ExpectRefused(WriteFile(dir, "header.glb", xbot.left(19)), "it is shorter than its glTF header says");
+    ExpectRefused(WriteFile(dir, "no_asset.gltf", R"({"scene":0,"scenes":[{"nodes":[0]}],"nodes":[{"name":"Hips"}]})"),
+        "it is not a valid .gltf file");
+    // The same bytes under their own name still read.
+    EXPECT_TRUE(importer.Import(WriteFile(dir, "intact.glb", xbot), scene)) << importer.ErrorText().toStdString();
 }
 
 TEST_F(ImportFailureTest, ProgressClimbsToAHundredAndCancellingStopsTheImport)
