@@ -174,6 +174,23 @@ TEST_F(ImportFailureTest, DamagedGltfFilesAreRefusedBeforeAssimpReadsThem)
     ExpectRefused(WriteFile(dir, "header.glb", xbot.left(19)), "it is shorter than its glTF header says");
     ExpectRefused(WriteFile(dir, "no_asset.gltf", R"({"scene":0,"scenes":[{"nodes":[0]}],"nodes":[{"name":"Hips"}]})"),
         "it is not a valid .gltf file");
+    // Two bind matrices claimed where the view holds one; a view past its buffer.
+    const auto skin = [](int matrices, int bufferBytes) {
+        return QStringLiteral(R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],
+            "nodes":[{"name":"Hips"}],"skins":[{"joints":[0],"inverseBindMatrices":0}],
+            "accessors":[{"bufferView":0,"componentType":5126,"count":%1,"type":"MAT4"}],
+            "bufferViews":[{"buffer":0,"byteLength":64}],
+            "buffers":[{"byteLength":%2,"uri":"data:application/octet-stream;base64,%3"}]})")
+            .arg(matrices)
+            .arg(bufferBytes)
+            .arg(QString::fromLatin1(QByteArray(bufferBytes, '\0').toBase64()))
+            .toUtf8();
+    };
+    ExpectRefused(WriteFile(dir, "bind.gltf", skin(2, 64)), "a glTF accessor reads past its buffer view");
+    ExpectRefused(WriteFile(dir, "view.gltf", skin(1, 48)), "a glTF buffer view lies past its buffer");
+    Scene fits;
+    importer.Import(WriteFile(dir, "fits.gltf", skin(1, 64)), fits);
+    EXPECT_FALSE(importer.ErrorText().contains("glTF")) << importer.ErrorText().toStdString();
     // The same bytes under their own name still read.
     EXPECT_TRUE(importer.Import(WriteFile(dir, "intact.glb", xbot), scene)) << importer.ErrorText().toStdString();
 }
