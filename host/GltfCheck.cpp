@@ -51,6 +51,7 @@ QString MeshProblem(const QJsonObject& root)
     }
     return QString();
 }
+
 // An object of a collection by its reference: an index (glTF 2) or a name (glTF 1).
 QJsonObject Lookup(const QJsonObject& root, const char* collection, const QJsonValue& reference)
 {

@@ -1,5 +1,6 @@
 #include "SceneImporter.h"
 
+#include <algorithm>
 #include <exception>
 #include <memory>
 #include <set>
@@ -48,31 +49,23 @@ QString AssimpError(const Assimp::Importer& importer)
     return error.isEmpty() ? QStringLiteral("unknown format or damaged file") : error;
 }
 
-bool EndsWith(const std::string& path, const std::string& extension)
-{
-    const QString file = QString::fromStdString(path);
-    return file.endsWith(QLatin1Char('.') + QString::fromStdString(extension), Qt::CaseInsensitive);
-}
-
 // When several readers share the file's extension and none accepts the file, Assimp offers it to every other reader
 // it has, judged by content; hostile files crash some of those. A file whose extension no reader claims still goes
 // to that search, so that a renamed skeleton opens.
 bool NoReaderAccepts(const Assimp::Importer& importer, const std::string& path)
 {
+    const QString name = QString::fromStdString(path);
     std::vector<Assimp::BaseImporter*> readers;
     for (size_t index = 0; index < importer.GetImporterCount(); ++index)
     {
         std::set<std::string> extensions;
         Assimp::BaseImporter* reader = importer.GetImporter(index);
         reader->GetExtensionList(extensions);
-        for (const std::string& extension : extensions)
-        {
-            if (EndsWith(path, extension))
-            {
-                readers.push_back(reader);
-                break;
-            }
-        }
+        const bool claims = std::any_of(extensions.begin(), extensions.end(), [&name](const std::string& extension) {
+            return name.endsWith(QLatin1Char('.') + QString::fromStdString(extension), Qt::CaseInsensitive);
+        });
+        if (claims)
+            readers.push_back(reader);
     }
     if (readers.size() < 2)
         return false;
