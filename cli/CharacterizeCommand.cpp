@@ -61,7 +61,6 @@ int runCharacterize(const QStringList& arguments)
         return fail(refused);
 
     const QString skeleton = parsed.Positionals().first();
-    mapping.StartChoosing();
     Scene scene;
     SceneImporter importer;
     if (!importer.Import(skeleton, scene))

@@ -45,17 +45,6 @@ bool LoadTemplate(const QString& argument, MappingTemplate& loaded,
 }
 } // namespace
 
-void SkeletonMapping::StartChoosing()
-{
-    if (!templateArgument.isEmpty())
-        return;
-    const NameMatcher::MatchType matchType = type;
-    mChooser = std::async(std::launch::async, [matchType] {
-                   return std::shared_ptr<const TemplateChooser>(std::make_shared<TemplateChooser>(
-                       Library(), matchType, UserConfiguration::BuiltInDelimiters()));
-               }).share();
-}
-
 bool SkeletonMapping::Apply(CharacterizationModel& model, ValidationReport::Mapping& mapping, QString& error) const
 {
     QStringList sceneBones;
@@ -71,10 +60,8 @@ bool SkeletonMapping::Apply(CharacterizationModel& model, ValidationReport::Mapp
     std::vector<NameMatcher::Assignment> matches;
     if (templateArgument.isEmpty())
     {
-        const std::shared_ptr<const TemplateChooser> chooser =
-            mChooser.valid() ? mChooser.get()
-                             : std::make_shared<TemplateChooser>(Library(), type, UserConfiguration::BuiltInDelimiters());
-        TemplateChooser::Result best = chooser->Choose(offered, leaves, prefix);
+        const TemplateChooser chooser(Library(), type, UserConfiguration::BuiltInDelimiters());
+        TemplateChooser::Result best = chooser.Choose(offered, leaves, prefix);
         mapping.templateName = best.templateName;
         matches = std::move(best.assignments);
     }

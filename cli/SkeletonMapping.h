@@ -1,8 +1,5 @@
 #pragma once
 
-#include <future>
-#include <memory>
-
 #include <QString>
 
 #include <zelkin/NameMatcher.h>
@@ -10,7 +7,6 @@
 #include "ValidationReport.h"
 
 class CharacterizationModel;
-class TemplateChooser;
 
 // How `zelkin characterize` maps a skeleton's bones to nodes: by the template the user names (a library name or
 // an ".xml" file), else by the library template that maps the most required nodes, then the most nodes.
@@ -20,14 +16,7 @@ struct SkeletonMapping
     NameMatcher::MatchType type = NameMatcher::Suffix;
     QString prefix; // empty: every bone of the scene
 
-    // When no template is named, reads and compiles every template on another thread, so that it happens while
-    // the skeleton is being read.
-    void StartChoosing();
-
     // Assigns the matched bones through the model (whose hub is over the skeleton). False, with an error line,
     // when the named template cannot be read or no bone has the prefix.
     bool Apply(CharacterizationModel& model, ValidationReport::Mapping& mapping, QString& error) const;
-
-private:
-    std::shared_future<std::shared_ptr<const TemplateChooser>> mChooser;
 };

@@ -6,6 +6,8 @@
 
 #include <zelkin/MappingTemplate.h>
 
+#include "ShippedTemplateTable.h"
+
 namespace
 {
 const QString Extension = QStringLiteral(".xml");
@@ -18,6 +20,25 @@ QStringList TemplateNamesIn(const QString& directory)
     for (const QFileInfo& file : files)
         names.append(file.completeBaseName());
     return names;
+}
+
+const ShippedTemplateTable::Template* Shipped(const QString& name)
+{
+    for (int index = 0; index < ShippedTemplateTable::Count; ++index)
+        if (name == QLatin1String(ShippedTemplateTable::Templates[index].name))
+            return &ShippedTemplateTable::Templates[index];
+    return nullptr;
+}
+
+MappingTemplate FromTable(const ShippedTemplateTable::Template& shipped)
+{
+    MappingTemplate mappingTemplate;
+    for (int index = 0; index < shipped.count; ++index)
+    {
+        const ShippedTemplateTable::Entry& entry = shipped.entries[index];
+        mappingTemplate.SetEntry(entry.nodeId, QString::fromUtf8(entry.pattern), entry.useRoot);
+    }
+    return mappingTemplate;
 }
 
 // A name must stay a plain file name inside its folder.
@@ -43,7 +64,9 @@ TemplateLibrary::TemplateLibrary(const QString& userDirectory) : mUserDirectory(
 
 QStringList TemplateLibrary::Names() const
 {
-    QStringList names = TemplateNamesIn(mUserDirectory) + TemplateNamesIn(ShippedDirectory());
+    QStringList names = TemplateNamesIn(mUserDirectory);
+    for (int index = 0; index < ShippedTemplateTable::Count; ++index)
+        names.append(QString::fromUtf8(ShippedTemplateTable::Templates[index].name));
     names.removeDuplicates();
     names.sort(Qt::CaseInsensitive);
     return names;
@@ -65,8 +88,7 @@ QString TemplateLibrary::PathOf(const QString& name) const
         return QString();
     if (IsUserTemplate(name))
         return UserPathFor(name);
-    const QString shipped = ShippedDirectory() + QLatin1Char('/') + name + Extension;
-    return QFileInfo(shipped).isFile() ? shipped : QString();
+    return Shipped(name) != nullptr ? ShippedDirectory() + QLatin1Char('/') + name + Extension : QString();
 }
 
 QString TemplateLibrary::UserPathFor(const QString& name) const
@@ -76,14 +98,18 @@ QString TemplateLibrary::UserPathFor(const QString& name) const
 
 bool TemplateLibrary::Load(const QString& name, MappingTemplate& mappingTemplate, QString* error) const
 {
-    const QString path = PathOf(name);
-    if (path.isEmpty())
+    if (IsUserTemplate(name))
+        return mappingTemplate.Load(UserPathFor(name), error);
+    // The shipped ones from their table: the command line chooses among all of them on every run.
+    const ShippedTemplateTable::Template* shipped = IsUsableName(name) ? Shipped(name) : nullptr;
+    if (shipped == nullptr)
     {
         if (error)
             *error = QCoreApplication::translate("TemplateLibrary", "There is no template named %1.").arg(name);
         return false;
     }
-    return mappingTemplate.Load(path, error);
+    mappingTemplate = FromTable(*shipped);
+    return true;
 }
 
 bool TemplateLibrary::Save(const QString& name, const MappingTemplate& mappingTemplate, QString* error) const

@@ -4,6 +4,7 @@
 #include <map>
 #include <vector>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTextStream>
@@ -428,6 +429,26 @@ TEST(ShippedTemplates, EveryFileListsAllNodesInOrderAndNoPatternEndsAnEarlierOne
                 continue;
             EXPECT_EQ(matcher.MatchOne(entry.pattern, u"", {}), nodeId) << entry.pattern.toStdString();
         }
+    }
+}
+
+// The library hands out the shipped templates from a table made at build time; it must say what the files say.
+TEST(ShippedTemplates, TheCompiledInTableHoldsWhatTheFilesSay)
+{
+    QStringList files = QDir(TemplateLibrary::ShippedDirectory()).entryList({"*.xml"}, QDir::Files);
+    files.replaceInStrings(".xml", "");
+    files.sort(Qt::CaseInsensitive);
+    EXPECT_EQ(files, ShippedNames);
+    EXPECT_EQ(TemplateLibrary(QString()).Names(), ShippedNames);
+    for (const QString& name : files)
+    {
+        SCOPED_TRACE(name.toStdString());
+        MappingTemplate fromFile;
+        ASSERT_TRUE(fromFile.Load(TemplateLibrary::ShippedDirectory() + "/" + name + ".xml"));
+        const MappingTemplate fromTable = Shipped(name);
+        for (int nodeId = 0; nodeId < BoneCatalogue::NodeCount; ++nodeId)
+            EXPECT_EQ(fromTable.GetEntry(nodeId), fromFile.GetEntry(nodeId))
+                << BoneCatalogue::NodeName(nodeId) << ": " << fromFile.GetEntry(nodeId).pattern.toStdString();
     }
 }
 
