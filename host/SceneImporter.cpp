@@ -49,10 +49,7 @@ QString AssimpError(const Assimp::Importer& importer)
     return error.isEmpty() ? QStringLiteral("unknown format or damaged file") : error;
 }
 
-// When several readers share the file's extension and none accepts the file, Assimp offers it to every other reader
-// it has, judged by content; hostile files crash some of those. A file whose extension no reader claims still goes
-// to that search, so that a renamed skeleton opens.
-bool NoReaderAccepts(const Assimp::Importer& importer, const std::string& path)
+std::vector<Assimp::BaseImporter*> ReadersClaiming(const Assimp::Importer& importer, const std::string& path)
 {
     const QString name = QString::fromStdString(path);
     std::vector<Assimp::BaseImporter*> readers;
@@ -67,13 +64,31 @@ bool NoReaderAccepts(const Assimp::Importer& importer, const std::string& path)
         if (claims)
             readers.push_back(reader);
     }
+    return readers;
+}
+
+// When several readers share the file's extension, Assimp asks them in turn whether they accept the file, and when
+// none does it offers the file to every other reader it has, judged by content; hostile files crash some of those.
+// So we ask first, as Assimp would, and refuse the file when none accepts; the others are dropped, so that Assimp
+// takes the one that did without asking them all again (for glTF, a second parse of the file's JSON). False when
+// none accepts. A file whose extension no reader claims still goes to the search, so that a renamed skeleton opens.
+bool KeepOnlyTheReaderThatAccepts(Assimp::Importer& importer, const std::string& path)
+{
+    const std::vector<Assimp::BaseImporter*> readers = ReadersClaiming(importer, path);
     if (readers.size() < 2)
-        return false;
+        return true;
     Assimp::DefaultIOSystem files; // a look at the file is not progress of the import
+    const auto accepting = std::find_if(readers.begin(), readers.end(), [&path, &files](Assimp::BaseImporter* reader) {
+        return reader->CanRead(path, &files, true);
+    });
+    if (accepting == readers.end())
+        return false;
     for (Assimp::BaseImporter* reader : readers)
     {
-        if (reader->CanRead(path, &files, false))
-            return false;
+        if (reader == *accepting)
+            continue;
+        importer.UnregisterLoader(reader); // hands the reader back to us
+        delete reader;
     }
     return true;
 }
@@ -103,7 +118,7 @@ bool SceneImporter::Import(const QString& path, Scene& scene)
         importer.SetIOHandler(new ProgressIOSystem(progress));
         importer.SetProgressHandler(new ImportProgressHandler(progress));
         const std::string file = QFile::encodeName(path).toStdString();
-        if (NoReaderAccepts(importer, file))
+        if (!KeepOnlyTheReaderThatAccepts(importer, file))
             return Fail(path, QStringLiteral("it is not a valid .%1 file").arg(QFileInfo(path).suffix()));
         importer.ReadFile(file, 0);
         // Ours at once, so that it is mended before anything can delete it.
