@@ -128,6 +128,7 @@ bool SceneImporter::Import(const QString& path, Scene& scene)
         if (!KeepOnlyTheReaderThatAccepts(importer, file))
             return Fail(path, QStringLiteral("it is not a valid .%1 file").arg(QFileInfo(path).suffix()));
         importer.ReadFile(file, 0);
+        const QString readError = AssimpError(importer); // taking the scene clears it
         // Ours at once, so that it is mended before anything can delete it.
         std::unique_ptr<aiScene> source(importer.GetOrphanedScene());
         if (source)
@@ -135,7 +136,7 @@ bool SceneImporter::Import(const QString& path, Scene& scene)
         if (progress.IsCancelled())
             return Cancel(path);
         if (source == nullptr || source->mRootNode == nullptr)
-            return Fail(path, AssimpError(importer));
+            return Fail(path, readError);
         if (!progress.Report(ImportProgress::ParsedPercent))
             return Cancel(path);
         SceneBuilder(*source, RotationOrders(path)).Build(imported);
