@@ -1,51 +1,47 @@
 #include "GltfCheck.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
-#include <QHash>
 #include <QIODevice>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QtEndian>
+
+#include "JsonTree.h"
 
 namespace
 {
+using Value = JsonTree::Value;
+
 // Magic, version and length, then (version 2) the JSON chunk's length and type, or (version 1) the content's
 // length and format.
 constexpr qint64 HeaderBytes = 20;
-constexpr int LineLoop = 2; // a primitive mode
+constexpr double LineLoop = 2; // a primitive mode
 
-QJsonArray Items(const QJsonValue& value)
+// glTF allows a skin without them (identity matrices); Assimp 5.2 reads through the missing accessor. glTF 1 keeps
+// its objects by name, glTF 2 in arrays; the tree walks both alike.
+QString SkinProblem(const Value& root)
 {
-    if (value.isArray())
-        return value.toArray();
-    QJsonArray items; // glTF 1 keeps its objects by name
-    for (const QJsonValue& item : value.toObject())
-        items.append(item);
-    return items;
-}
-
-// glTF allows a skin without them (identity matrices); Assimp 5.2 reads through the missing accessor.
-QString SkinProblem(const QJsonObject& root)
-{
-    for (const QJsonValue& skin : Items(root.value(QLatin1String("skins"))))
+    const Value skins = root.Member("skins");
+    for (std::size_t index = 0; index < skins.Size(); ++index)
     {
-        if (!skin.toObject().contains(QLatin1String("inverseBindMatrices")))
+        if (!skins.At(index).Has("inverseBindMatrices"))
             return QStringLiteral("a glTF skin without inverse bind matrices is not supported");
     }
     return QString();
 }
 
 // Assimp 5.2 reads before the first line of an indexed line loop when that line has an index out of range.
-QString MeshProblem(const QJsonObject& root)
+QString MeshProblem(const Value& root)
 {
-    for (const QJsonValue& mesh : Items(root.value(QLatin1String("meshes"))))
+    const Value meshes = root.Member("meshes");
+    for (std::size_t mesh = 0; mesh < meshes.Size(); ++mesh)
     {
-        for (const QJsonValue& primitive : Items(mesh.toObject().value(QLatin1String("primitives"))))
+        const Value primitives = meshes.At(mesh).Member("primitives");
+        for (std::size_t index = 0; index < primitives.Size(); ++index)
         {
-            const QJsonObject object = primitive.toObject();
-            if (object.value(QLatin1String("mode")).toInt(-1) == LineLoop && object.contains(QLatin1String("indices")))
+            const Value primitive = primitives.At(index);
+            if (primitive.Member("mode").Number(-1) == LineLoop && primitive.Has("indices"))
                 return QStringLiteral("an indexed glTF line loop is not supported");
         }
     }
@@ -53,32 +49,55 @@ QString MeshProblem(const QJsonObject& root)
 }
 
 // An object of a collection by its reference: an index (glTF 2) or a name (glTF 1).
-QJsonObject Lookup(const QJsonObject& root, const char* collection, const QJsonValue& reference)
+Value Lookup(const Value& root, const char* collection, const Value& reference)
 {
-    const QJsonValue items = root.value(QLatin1String(collection));
-    if (reference.isString())
-        return items.toObject().value(reference.toString()).toObject();
-    return items.toArray().at(reference.toInt(-1)).toObject();
+    const Value items = root.Member(collection);
+    if (reference.IsString())
+        return items.IsObject() ? items.Member(reference.Text()) : Value();
+    const double index = reference.Number(-1);
+    if (!items.IsArray() || !(index >= 0) || index != static_cast<double>(static_cast<std::size_t>(index)))
+        return Value();
+    return items.At(static_cast<std::size_t>(index));
 }
 
-qint64 Whole(const QJsonObject& object, const char* key)
+// Numbers from a file can be anything; kept where nothing computed from them overflows.
+qint64 Whole(const Value& object, const char* key)
 {
-    return static_cast<qint64>(object.value(QLatin1String(key)).toDouble(0));
+    constexpr double Largest = double(qint64(1) << 52);
+    const double number = object.Member(key).Number(0);
+    return static_cast<qint64>(std::clamp(number, -Largest, Largest));
 }
 
-qint64 ComponentBytes(const QJsonObject& object)
+qint64 ComponentBytes(const Value& object)
 {
-    static const QHash<int, qint64> bytes = {{5120, 1}, {5121, 1}, {5122, 2}, {5123, 2}, {5125, 4}, {5126, 4}};
-    return bytes.value(object.value(QLatin1String("componentType")).toInt(), 0);
+    switch (Whole(object, "componentType"))
+    {
+    case 5120:
+    case 5121:
+        return 1;
+    case 5122:
+    case 5123:
+        return 2;
+    case 5125:
+    case 5126:
+        return 4;
+    default:
+        return 0;
+    }
 }
 
 // Bytes of one element of an accessor; 0 when its types are unknown (Assimp refuses those by itself).
-qint64 ElementBytes(const QJsonObject& accessor)
+qint64 ElementBytes(const Value& accessor)
 {
-    static const QHash<QString, qint64> counts = {{QStringLiteral("SCALAR"), 1}, {QStringLiteral("VEC2"), 2},
-        {QStringLiteral("VEC3"), 3}, {QStringLiteral("VEC4"), 4}, {QStringLiteral("MAT2"), 4},
-        {QStringLiteral("MAT3"), 9}, {QStringLiteral("MAT4"), 16}};
-    return ComponentBytes(accessor) * counts.value(accessor.value(QLatin1String("type")).toString(), 0);
+    static constexpr std::pair<std::string_view, qint64> Counts[] = {{"SCALAR", 1}, {"VEC2", 2}, {"VEC3", 3},
+        {"VEC4", 4}, {"MAT2", 4}, {"MAT3", 9}, {"MAT4", 16}};
+    const std::string_view type = accessor.Member("type").Text();
+    for (const auto& [name, count] : Counts)
+    {
+        if (name == type)
+            return ComponentBytes(accessor) * count;
+    }
+    return 0;
 }
 
 // Whether `count` items, `stride` bytes apart and `bytes` long each, lie from `offset` within `available` bytes.
@@ -95,53 +114,59 @@ bool Fits(qint64 offset, qint64 count, qint64 stride, qint64 bytes, qint64 avail
 // An accessor with no buffer view is all zeros (changed by sparse values), which Assimp allocates as claimed.
 constexpr qint64 MostZeroBytes = qint64(256) << 20;
 
-QString SparseProblem(const QJsonObject& root, const QJsonObject& accessor, qint64 element)
+QString SparseProblem(const Value& root, const Value& accessor, qint64 element)
 {
-    const QJsonObject sparse = accessor.value(QLatin1String("sparse")).toObject();
-    if (sparse.isEmpty())
+    const Value sparse = accessor.Member("sparse");
+    if (sparse.Size() == 0 || !sparse.IsObject())
         return QString();
     const qint64 changed = Whole(sparse, "count");
-    const QJsonObject indices = sparse.value(QLatin1String("indices")).toObject();
-    const QJsonObject values = sparse.value(QLatin1String("values")).toObject();
-    const auto fitsView = [&root, changed](const QJsonObject& part, qint64 bytes) {
-        const QJsonObject view = Lookup(root, "bufferViews", part.value(QLatin1String("bufferView")));
+    const auto fitsView = [&root, changed](const Value& part, qint64 bytes) {
+        const Value view = Lookup(root, "bufferViews", part.Member("bufferView"));
         return Fits(Whole(part, "byteOffset"), changed, bytes, bytes, Whole(view, "byteLength"));
     };
-    if (changed > Whole(accessor, "count") || !fitsView(indices, ComponentBytes(indices)) || !fitsView(values, element))
+    const Value indices = sparse.Member("indices");
+    if (changed > Whole(accessor, "count") || !fitsView(indices, ComponentBytes(indices))
+        || !fitsView(sparse.Member("values"), element))
         return QStringLiteral("a glTF sparse accessor reads past its buffer views");
     return QString();
 }
 
-// Assimp 5.2 copies accessor data, buffer views and sparse values without comparing them with what holds them.
-QString AccessorProblem(const QJsonObject& root)
+QString AccessorProblem(const Value& root, const Value& accessor)
 {
-    for (const QJsonValue& value : Items(root.value(QLatin1String("accessors"))))
+    const qint64 element = ElementBytes(accessor);
+    const qint64 count = Whole(accessor, "count");
+    if (element == 0)
+        return QString();
+    if (!accessor.Has("bufferView"))
     {
-        const QJsonObject accessor = value.toObject();
-        const qint64 element = ElementBytes(accessor);
-        const qint64 count = Whole(accessor, "count");
-        if (element == 0)
-            continue;
-        if (!accessor.contains(QLatin1String("bufferView")))
-        {
-            if (count > MostZeroBytes / element)
-                return QStringLiteral("a glTF accessor claims more data than the file could hold");
-        }
-        else
-        {
-            const QJsonObject view = Lookup(root, "bufferViews", accessor.value(QLatin1String("bufferView")));
-            const qint64 stride = std::max(Whole(view, "byteStride"), element);
-            if (!Fits(Whole(accessor, "byteOffset"), count, stride, element, Whole(view, "byteLength")))
-                return QStringLiteral("a glTF accessor reads past its buffer view");
-        }
-        const QString problem = SparseProblem(root, accessor, element);
+        if (count > MostZeroBytes / element)
+            return QStringLiteral("a glTF accessor claims more data than the file could hold");
+    }
+    else
+    {
+        const Value view = Lookup(root, "bufferViews", accessor.Member("bufferView"));
+        const qint64 stride = std::max(Whole(view, "byteStride"), element);
+        if (!Fits(Whole(accessor, "byteOffset"), count, stride, element, Whole(view, "byteLength")))
+            return QStringLiteral("a glTF accessor reads past its buffer view");
+    }
+    return SparseProblem(root, accessor, element);
+}
+
+// Assimp 5.2 copies accessor data, buffer views and sparse values without comparing them with what holds them.
+QString DataProblem(const Value& root)
+{
+    const Value accessors = root.Member("accessors");
+    for (std::size_t index = 0; index < accessors.Size(); ++index)
+    {
+        const QString problem = AccessorProblem(root, accessors.At(index));
         if (!problem.isEmpty())
             return problem;
     }
-    for (const QJsonValue& value : Items(root.value(QLatin1String("bufferViews"))))
+    const Value views = root.Member("bufferViews");
+    for (std::size_t index = 0; index < views.Size(); ++index)
     {
-        const QJsonObject view = value.toObject();
-        const QJsonObject buffer = Lookup(root, "buffers", view.value(QLatin1String("buffer")));
+        const Value view = views.At(index);
+        const Value buffer = Lookup(root, "buffers", view.Member("buffer"));
         const qint64 length = Whole(view, "byteLength");
         if (!Fits(Whole(view, "byteOffset"), 1, length, length, Whole(buffer, "byteLength")))
             return QStringLiteral("a glTF buffer view lies past its buffer");
@@ -177,14 +202,14 @@ QString GltfCheck::BinaryProblem(QIODevice& device)
 
 QString GltfCheck::Problem(const QByteArray& json)
 {
-    // Assimp's JSON reader recurses once per nesting level; Qt's stops at a depth no real file comes near.
-    QJsonParseError error {};
-    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
-    if (error.error != QJsonParseError::NoError)
-        return QStringLiteral("its glTF JSON is damaged (%1 at byte %2)").arg(error.errorString()).arg(error.offset);
-    const QJsonObject root = document.object();
+    const JsonTree tree(std::string_view(json.constData(), static_cast<std::size_t>(json.size())));
+    if (!tree.IsValid())
+        return QStringLiteral("its glTF JSON is damaged (%1 at byte %2)")
+            .arg(QString::fromStdString(tree.Error()))
+            .arg(tree.ErrorOffset());
+    const Value root = tree.Root();
     QString problem = SkinProblem(root);
     if (problem.isEmpty())
         problem = MeshProblem(root);
-    return problem.isEmpty() ? AccessorProblem(root) : problem;
+    return problem.isEmpty() ? DataProblem(root) : problem;
 }
