@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <QAbstractEventDispatcher>
 #include <QTimer>
 
 #include <zelkin/BoneCatalogue.h>
@@ -86,7 +87,9 @@ CharacterizationModel::CharacterizationModel(ResourceBridge* bridge, IDCCHub* hu
             SLOT(RenameCharacterization(const QString&, const QString&)));
     connect(mTimer, SIGNAL(timeout()), this, SLOT(CheckGeometry()));
     mTimer->setSingleShot(false);
-    mTimer->start(GeometryCheckInterval);
+    // A batch program has no event loop to run the timer; Qt would only warn about it.
+    if (QAbstractEventDispatcher::instance(thread()) != nullptr)
+        mTimer->start(GeometryCheckInterval);
 }
 
 CharacterizationModel::~CharacterizationModel() = default;
