@@ -10,7 +10,7 @@ int main(int argc, char** argv)
 {
     if (argc != 2)
     {
-        std::fputs("usage: bench_import_only FILE\n", stderr);
+        std::fputs("usage: cli_import_only FILE\n", stderr);
         return 1;
     }
     Assimp::Importer importer;
