@@ -114,7 +114,7 @@ TEST(JsonTreeTest, NestingStopsAtItsLimitAndAByteOrderMarkIsSkipped)
 }
 
 // glTF 1 keeps its objects by name where glTF 2 has arrays; references are names there.
-TEST(GltfCheckTest, FollowsReferencesByNameInGltfOne)
+TEST(GltfCheckTest, FollowsReferencesByNameAndReadsRepeatedNamesAsAssimpDoes)
 {
     const auto document = [](int viewBytes) {
         return QStringLiteral(R"({"asset":{"version":"1.0"},
@@ -127,6 +127,9 @@ TEST(GltfCheckTest, FollowsReferencesByNameInGltfOne)
     EXPECT_EQ(GltfCheck::Problem(document(64)), QString());
     EXPECT_EQ(GltfCheck::Problem(document(63)), "a glTF accessor reads past its buffer view");
     EXPECT_EQ(GltfCheck::Problem(document(65)), "a glTF buffer view lies past its buffer");
+    // Assimp reads the first of a repeated name; a harmless second one must not hide it.
+    EXPECT_EQ(GltfCheck::Problem(document(64).replace("\"count\":4", "\"count\":5,\"count\":4")),
+        "a glTF accessor reads past its buffer view");
     EXPECT_EQ(GltfCheck::Problem("{\"asset\":{}, ]"),
         "its glTF JSON is damaged (missing member name at byte 13)");
 }
