@@ -144,7 +144,7 @@ private:
         {
             SkipSpace();
             if (AtEnd())
-                return Fail(object ? "unterminated object" : "unterminated array");
+                return Unterminated(object);
             Span name;
             bool resolved = false;
             if (object && (!ReadString(name, resolved) || !ReadNameSeparator()))
@@ -157,7 +157,7 @@ private:
             mPending.push_back(member);
             SkipSpace();
             if (AtEnd())
-                return Fail(object ? "unterminated object" : "unterminated array");
+                return Unterminated(object);
             if (Peek() != ',' && Peek() != close)
                 return Fail("missing value separator");
             more = Peek() == ',';
@@ -168,6 +168,8 @@ private:
         Close(index, start);
         return index;
     }
+
+    std::uint32_t Unterminated(bool object) { return Fail(object ? "unterminated object" : "unterminated array"); }
 
     bool ReadNameSeparator()
     {
