@@ -23,6 +23,12 @@ struct SceneBone
     int attachCount = 0;
     // The node the bone was last assigned to, -1 when none.
     int node = -1;
+    // The bone deforms a mesh of the file (false where the file has no skinned mesh).
+    bool skinsMesh = false;
+    // Where the bone ends, in its own frame, when the file marks it with a leaf that is no bone (a BVH end site, a
+    // "Nub" helper): a foot's or a head's direction is read from it.
+    bool hasTip = false;
+    QVector3D tip;
 
     // Translation, rotation and scale of the global transform; a mirroring transform gets a negative x scale.
     void DecomposeGlobal(QVector3D& translation, QQuaternion& rotation, QVector3D& scale) const;

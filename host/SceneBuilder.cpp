@@ -65,7 +65,7 @@ void SceneBuilder::CollectNodes()
         const auto [node, parent] = pending.back();
         pending.pop_back();
         const int index = static_cast<int>(mEntries.size());
-        mEntries.push_back({node, parent, false});
+        mEntries.push_back({node, parent, false, false});
         for (unsigned i = node->mNumChildren; i-- > 0;)
         {
             if (node->mChildren[i] != nullptr)
@@ -91,6 +91,7 @@ void SceneBuilder::MarkSkinnedBones()
         if (skinning.count(entry.node->mName.C_Str()) == 0 || entry.bone)
             continue;
         entry.bone = true;
+        entry.skinning = true;
         // Ancestors up to the root join in; a bone already marked has marked its own.
         for (int up = entry.parent; up > 0 && !mEntries[up].bone; up = mEntries[up].parent)
         {
@@ -125,6 +126,11 @@ bool SceneBuilder::IsHolder(const aiNode& node) const
             return true;
     }
     return false;
+}
+
+bool SceneBuilder::IsTipMarker(const aiNode& node) const
+{
+    return node.mNumChildren == 0 && !IsHolder(node) && !IsHelper(node);
 }
 
 bool SceneBuilder::IsAnimated(const aiNode& node) const
@@ -178,7 +184,17 @@ void SceneBuilder::Build(Scene& scene) const
             sinceBone[i] = transform;
         }
         if (!entry.bone)
+        {
+            SceneBone* owner = entry.parent >= 0 && mEntries[entry.parent].bone && sceneParent[i] >= 0
+                                   ? &scene.Bone(sceneParent[i])
+                                   : nullptr;
+            if (owner != nullptr && !owner->hasTip && IsTipMarker(*entry.node))
+            {
+                owner->hasTip = true;
+                owner->tip = transform.column(3).toVector3D();
+            }
             continue;
+        }
 
         const QString name = NodeName(*entry.node);
         SceneBone bone;
@@ -187,6 +203,7 @@ void SceneBuilder::Build(Scene& scene) const
         bone.local = sinceBone[i];
         bone.preRotation = mPreRotations.value(name);
         bone.rotationOrder = mOrders.value(name, ZELEulerXYZ);
+        bone.skinsMesh = entry.skinning;
         // The parent was added before, so this cannot be refused.
         sceneParent[i] = scene.AddBone(bone);
     }

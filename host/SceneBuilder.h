@@ -36,6 +36,7 @@ private:
         const aiNode* node;
         int parent;
         bool bone;
+        bool skinning;
     };
 
     void CollectNodes();
@@ -43,6 +44,8 @@ private:
     void MarkJoints();
     bool IsHolder(const aiNode& node) const;
     bool IsAnimated(const aiNode& node) const;
+    // A leaf that marks where its bone ends rather than anything of its own.
+    bool IsTipMarker(const aiNode& node) const;
     void CollectPreRotations();
     QString UniqueName(const Scene& scene, const QString& wanted) const;
 

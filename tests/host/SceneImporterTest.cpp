@@ -70,6 +70,12 @@ TEST(SceneImporterTest, GltfXBotGivesItsSixtyFiveRigBones)
     ExpectAt(scene, "mixamorig:LeftHand", {0.713f, 1.441f, -0.055f}, 2e-3f);
     ExpectAt(scene, "mixamorig:LeftUpLeg", {0.082f, 0.975f, 0.0f}, 2e-3f);
     ExpectAt(scene, "mixamorig:RightUpLeg", {-0.082f, 0.975f, 0.0f}, 2e-3f);
+    // Every joint of the skin deforms the mesh; none ends in a marker that is not a joint itself.
+    for (int i = 0; i < scene.BoneCount(); ++i)
+    {
+        EXPECT_TRUE(scene.Bone(i).skinsMesh) << scene.Bone(i).name.toStdString();
+        EXPECT_FALSE(scene.Bone(i).hasTip) << scene.Bone(i).name.toStdString();
+    }
 }
 
 TEST(SceneImporterTest, BvhFilesGiveTheirJointsWithoutEndSites)
@@ -84,6 +90,13 @@ TEST(SceneImporterTest, BvhFilesGiveTheirJointsWithoutEndSites)
     EXPECT_NEAR(std::acos(arm.normalized().x()) * 57.29578, 8.6, 0.2);
     // "Zrotation Yrotation Xrotation": X is applied first.
     EXPECT_EQ(pirouette.Find("lshldr")->rotationOrder, ZELEulerXYZ);
+    // End sites are no bones, but their bones keep where they end, in their own frame.
+    const SceneBone& foot = *pirouette.Find("lfoot");
+    ASSERT_TRUE(foot.hasTip);
+    EXPECT_NEAR(foot.tip.x(), 1.1221f, 1e-4f);
+    EXPECT_NEAR(foot.tip.z(), 12.103f, 1e-4f);
+    EXPECT_FALSE(pirouette.Find("lshin")->hasTip);
+    EXPECT_FALSE(foot.skinsMesh);
 
     const Scene sample = Import(kSample);
     EXPECT_EQ(sample.BoneCount(), 53); // ROOT Hips and 52 JOINTs
