@@ -6,6 +6,7 @@
 
 #include <QStringList>
 
+#include "BonesCommand.h"
 #include "CharacterizeCommand.h"
 #include "CliError.h"
 #include "ConvertCommand.h"
@@ -27,6 +28,7 @@ const char* const Usage =
     "  inspect FILE.zelc [--json]         byte order, version, used nodes, limb flags, records\n"
     "  convert IN OUT [--big-endian]      between .zelc (either byte order) and .xml\n"
     "  templates                          the shipped and user mapping templates\n"
+    "  bones SKELETON [--json]            the skeleton as the tool reads it, with automatic nodes\n"
     "\n"
     "exit status: 0 valid or warnings only, 2 validation error, 1 bad input or I/O failure\n";
 
@@ -47,7 +49,7 @@ Command Find(const QString& name)
         const char* name;
         Command run;
     } commands[] = {{"characterize", runCharacterize}, {"validate", runValidate}, {"inspect", runInspect},
-                    {"convert", runConvert},           {"templates", runTemplates}};
+                    {"convert", runConvert},           {"templates", runTemplates}, {"bones", runBones}};
     for (const auto& command : commands)
     {
         if (name == QLatin1String(command.name))

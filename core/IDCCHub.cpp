@@ -1,5 +1,7 @@
 #include <zelkin/IDCCHub.h>
 
+#include <QHash>
+
 #include <zelkin/BoneCatalogue.h>
 #include <zelkin/CharacterTool.h>
 #include <zelkin/CharacterizationModel.h>
@@ -77,6 +79,28 @@ QString IDCCHub::SanitizeBoneName(const QString& bone) const
 
 void IDCCHub::SetCharacterState(ZELCharacter*, ZELCharacterState*)
 {
+}
+
+bool IDCCHub::DescribeSkeleton(std::vector<SkeletonRecognizer::Bone>& bones) const
+{
+    QStringList names;
+    if (!GetSceneBones(names))
+        return false;
+    QHash<QString, int> indices;
+    bones.clear();
+    bones.reserve(names.size());
+    for (const QString& name : names)
+    {
+        SkeletonRecognizer::Bone bone;
+        bone.name = name;
+        bone.parent = indices.value(GetBoneParent(name), -1);
+        CharacterJointGeometry geometry;
+        if (GetBoneReferenceGeometry(name, geometry))
+            bone.position = {geometry.GetTranslate()[0], geometry.GetTranslate()[1], geometry.GetTranslate()[2]};
+        indices.insert(name, int(bones.size()));
+        bones.push_back(bone);
+    }
+    return true;
 }
 
 void IDCCHub::setCharacterTool(CharacterTool* tool)

@@ -223,3 +223,31 @@ QString SceneHub::SanitizeBoneName(const QString& bone) const
     }
     return sanitized;
 }
+
+bool SceneHub::DescribeSkeleton(std::vector<SkeletonRecognizer::Bone>& bones) const
+{
+    bool skinned = false;
+    for (int i = 0; i < mScene.BoneCount() && !skinned; ++i)
+        skinned = mScene.Bone(i).skinsMesh;
+    bones.assign(size_t(mScene.BoneCount()), SkeletonRecognizer::Bone());
+    for (int i = 0; i < mScene.BoneCount(); ++i)
+    {
+        const SceneBone& from = mScene.Bone(i);
+        SkeletonRecognizer::Bone& bone = bones[size_t(i)];
+        bone.name = from.name;
+        bone.parent = from.parent;
+        const QVector4D joint = from.global.column(3);
+        bone.position = {joint.x(), joint.y(), joint.z()};
+        if (skinned)
+            bone.skinning = from.skinsMesh ? SkeletonRecognizer::Skinning::Skins
+                                           : SkeletonRecognizer::Skinning::DoesNotSkin;
+        if (from.hasTip)
+        {
+            const QVector4D tip = from.global.column(0) * from.tip.x() + from.global.column(1) * from.tip.y() +
+                                  from.global.column(2) * from.tip.z() + joint;
+            bone.hasTip = true;
+            bone.tip = {tip.x(), tip.y(), tip.z()};
+        }
+    }
+    return true;
+}

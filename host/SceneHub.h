@@ -64,6 +64,8 @@ public:
     // Keeps letters, digits, '_', ':', '.' and '-' (namespaces and numbered copies stay readable); drops every
     // other character, spaces included.
     QString SanitizeBoneName(const QString& bone) const override;
+    // With which bones skin a mesh and where end sites say bones end.
+    bool DescribeSkeleton(std::vector<SkeletonRecognizer::Bone>& bones) const override;
 
 signals:
     // The bone's attach count changed; a view colouring mapped joints repaints it.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -7,6 +9,7 @@
 
 #include <zelkin/CharacterJointGeometry.h>
 #include <zelkin/CharacterizationExport.h>
+#include <zelkin/SkeletonRecognizer.h>
 #include <zelkin/ValidationLog.h>
 #include <zelkin/ZELSolver.h>
 
@@ -78,6 +81,10 @@ public:
     virtual bool PostCharacterUpdate(const QString& characterName);
     virtual QString SanitizeBoneName(const QString& bone) const;
     virtual void SetCharacterState(ZELCharacter* character, ZELCharacterState* state);
+    // The skeleton as automatic characterization reads it, parents first. By default it is made of the scene's
+    // bones, their parents and reference positions; a host that knows which bones skin a mesh, or where a bone
+    // ends, adds it here.
+    virtual bool DescribeSkeleton(std::vector<SkeletonRecognizer::Bone>& bones) const;
 
     void setCharacterTool(CharacterTool* tool);
     CharacterTool* GetCharacterTool() const { return mTool; }

@@ -1,0 +1,411 @@
+// Each hierarchy rule on small skeletons made here: where the hips are when a pelvis, a centre bone or the first
+// spine bone holds the legs; twist, IK and end bones; hands with few fingers; necks and heads; sides from the
+// geometry; poses; and skeletons that are no humanoid.
+#include <cmath>
+
+#include <QHash>
+
+#include <gtest/gtest.h>
+
+#include <zelkin/BoneCatalogue.h>
+#include <zelkin/SkeletonRecognizer.h>
+
+namespace
+{
+using Bones = std::vector<SkeletonRecognizer::Bone>;
+
+struct Options
+{
+    enum Hips
+    {
+        Plain,           // the legs and the spine hang from the hips
+        PelvisBelow,     // Hips -> Pelvis -> thighs, Hips -> Spine
+        FromFirstSpine,  // Pelvis -> Spine -> thighs and Spine1
+        BesideSpine      // Centre -> LowerBody -> thighs, Centre -> UpperBody
+    };
+    Hips hips = Plain;
+    bool inlineTwists = false;
+    bool leafTwists = false;
+    bool ikTargets = false;
+    bool neck = true;
+    bool head = true;
+    int fingers = 5; // with the thumb; 0 for none
+    double armDrop = 0.0; // degrees below the horizontal
+};
+
+// A humanoid of 1.8 m standing Y up, facing +Z, and the node each body bone must get.
+class Builder
+{
+public:
+    Bones bones;
+    QHash<QString, int> expected;
+
+    int Add(const QString& name, int parent, double x, double y, double z, int node = -1)
+    {
+        SkeletonRecognizer::Bone bone;
+        bone.name = name;
+        bone.parent = parent;
+        bone.position = {x, y, z};
+        bones.push_back(bone);
+        if (node >= 0)
+            expected.insert(name, node);
+        return int(bones.size()) - 1;
+    }
+
+    void Humanoid(const Options& options)
+    {
+        const int root = Add("Root", -1, 0, 0, 0);
+        int hips = -1;
+        int legParent = -1;
+        int spineParent = -1;
+        switch (options.hips)
+        {
+        case Options::Plain:
+            hips = legParent = spineParent = Add("Hips", root, 0, 1.0, 0, 1);
+            break;
+        case Options::PelvisBelow:
+            hips = spineParent = Add("Hips", root, 0, 1.0, 0, 1);
+            legParent = Add("Pelvis", hips, 0, 0.98, 0);
+            break;
+        case Options::FromFirstSpine:
+            hips = Add("Pelvis", root, 0, 0.97, 0, 1);
+            legParent = spineParent = Add("Spine", hips, 0, 1.06, 0, 8);
+            break;
+        case Options::BesideSpine:
+            hips = Add("Center", root, 0, 0.75, 0);
+            legParent = Add("LowerBody", hips, 0, 1.05, 0, 1);
+            spineParent = hips;
+            break;
+        }
+        const int spine0 = options.hips == Options::FromFirstSpine
+                               ? spineParent
+                               : Add(options.hips == Options::BesideSpine ? "UpperBody" : "Spine", spineParent, 0,
+                                     1.1, 0, 8);
+        const int spine1 = Add("Spine1", spine0, 0, 1.22, 0, 23);
+        const int chest = Add("Chest", spine1, 0, 1.33, 0, 24);
+        int top = chest;
+        if (options.neck)
+            top = Add("Neck", chest, 0, 1.5, 0, 20);
+        if (options.head)
+        {
+            const int head = Add("Head", top, 0, 1.6, 0.01, 15);
+            Add("HeadTop_End", head, 0, 1.8, 0.02);
+            Add("Eye_L", head, 0.03, 1.68, 0.08);
+            Add("Eye_R", head, -0.03, 1.68, 0.08);
+            Add("Jaw", head, 0, 1.58, 0.05);
+        }
+        for (int side = 0; side < 2; ++side)
+        {
+            Leg(side, legParent, options);
+            Arm(side, chest, options);
+        }
+        if (options.ikTargets)
+        {
+            Add("ik_foot_l", root, 0.09, 0.09, -0.02);
+            Add("ik_foot_r", root, -0.09, 0.09, -0.02);
+            Add("ik_hand_l", root, 0.7, 1.45, 0);
+            Add("ik_hand_r", root, -0.7, 1.45, 0);
+        }
+    }
+
+private:
+    void Leg(int side, int parent, const Options& options)
+    {
+        const double s = side == 0 ? 1.0 : -1.0;
+        const QString p = side == 0 ? "L" : "R";
+        const int thigh = Add("Thigh_" + p, parent, s * 0.09, 0.95, 0, side == 0 ? 2 : 5);
+        int kneeParent = thigh;
+        if (options.inlineTwists)
+            kneeParent = Add("ThighTwist_" + p, thigh, s * 0.09, 0.735, 0.005, side == 0 ? 41 : 43);
+        if (options.leafTwists)
+            Add("ThighTwist_" + p, thigh, s * 0.09, 0.8, 0.003, side == 0 ? 172 : 174);
+        const int knee = Add("Calf_" + p, kneeParent, s * 0.09, 0.52, 0.01, side == 0 ? 3 : 6);
+        const int foot = Add("Foot_" + p, knee, s * 0.09, 0.09, -0.02, side == 0 ? 4 : 7);
+        const int toe = Add("Toe_" + p, foot, s * 0.09, 0.0, 0.09, side == 0 ? 16 : 17);
+        Add("Toe_End_" + p, toe, s * 0.09, 0.0, 0.17);
+    }
+
+    void Arm(int side, int parent, const Options& options)
+    {
+        const double s = side == 0 ? 1.0 : -1.0;
+        const QString p = side == 0 ? "L" : "R";
+        const double drop = options.armDrop / 57.29578;
+        // Out from the shoulder, dropped by the pose's angle.
+        const auto at = [&](double out, double y, double z) {
+            return std::array<double, 3> {s * (0.15 + out * std::cos(drop)), y - out * std::sin(drop), z};
+        };
+        const int clavicle = Add("Clavicle_" + p, parent, s * 0.04, 1.45, 0.01, side == 0 ? 18 : 19);
+        const int upper = Add("UpperArm_" + p, clavicle, s * 0.15, 1.45, 0, side == 0 ? 9 : 12);
+        int elbowParent = upper;
+        if (options.inlineTwists)
+        {
+            const auto mid = at(0.14, 1.45, -0.005);
+            elbowParent = Add("UpperArmTwist_" + p, upper, mid[0], mid[1], mid[2], side == 0 ? 45 : 47);
+        }
+        if (options.leafTwists)
+        {
+            const auto mid = at(0.1, 1.45, -0.003);
+            Add("UpperArmTwist_" + p, upper, mid[0], mid[1], mid[2], side == 0 ? 176 : 178);
+        }
+        const auto e = at(0.28, 1.45, -0.01);
+        const int elbow = Add("ForeArm_" + p, elbowParent, e[0], e[1], e[2], side == 0 ? 10 : 13);
+        const auto w = at(0.55, 1.45, 0);
+        const int wrist = Add("Hand_" + p, elbow, w[0], w[1], w[2], side == 0 ? 11 : 14);
+        // Thumb, index, middle, ring, pinky: bases across the palm from the front.
+        static const double across[] = {0.035, 0.02, 0.0, -0.02, -0.04};
+        static const char* const names[] = {"Thumb", "Index", "Middle", "Ring", "Pinky"};
+        const int digits[] = {0, 1, 2, 4};
+        const int count = options.fingers;
+        for (int f = 0; f < count; ++f)
+        {
+            const int digit = count == 4 ? digits[f] : f;
+            const double inward = digit == 0 ? 0.02 : 0.08;
+            int at_ = wrist;
+            for (int k = 0; k < 3; ++k)
+            {
+                const auto j = at(0.55 + inward + 0.03 * k, 1.45 - (digit == 0 ? 0.015 * (k + 1) : 0.0),
+                                  across[digit] + (digit == 0 ? 0.02 * k : 0.0));
+                const int node = (side == 0 ? 50 : 74) + 4 * digit + k;
+                at_ = Add(QStringLiteral("%1%2_%3").arg(names[digit]).arg(k + 1).arg(p), at_, j[0], j[1], j[2], node);
+            }
+        }
+    }
+};
+
+class HierarchyRulesTest : public testing::Test
+{
+protected:
+    // Every expected node on its bone, and nothing else mapped.
+    static void Check(const Builder& built, const SkeletonRecognizer::Result& result, const QString& what)
+    {
+        ASSERT_EQ(result.characters.size(), 1u) << what.toStdString();
+        QHash<QString, int> got;
+        for (const SkeletonRecognizer::NodeMatch& match : result.characters[0].nodes)
+            got.insert(built.bones[size_t(match.bone)].name, match.nodeId);
+        for (auto it = built.expected.cbegin(); it != built.expected.cend(); ++it)
+            EXPECT_EQ(BoneCatalogue::NodeName(got.value(it.key(), 0)), BoneCatalogue::NodeName(it.value()))
+                << what.toStdString() << ": " << it.key().toStdString();
+        for (auto it = got.cbegin(); it != got.cend(); ++it)
+            EXPECT_TRUE(built.expected.contains(it.key()))
+                << what.toStdString() << ": " << it.key().toStdString() << " got " << BoneCatalogue::NodeName(it.value());
+    }
+
+    static SkeletonRecognizer::Result Recognize(const Builder& built)
+    {
+        return SkeletonRecognizer().Recognize(built.bones);
+    }
+
+    static Builder Made(const Options& options)
+    {
+        Builder built;
+        built.Humanoid(options);
+        return built;
+    }
+
+    static SkeletonRecognizer::LeftOut ReasonFor(const Builder& built, const SkeletonRecognizer::Result& result,
+                                                 const QString& bone)
+    {
+        for (const SkeletonRecognizer::UnmappedBone& unmapped : result.characters.at(0).unmapped)
+            if (built.bones[size_t(unmapped.bone)].name == bone)
+                return unmapped.reason;
+        ADD_FAILURE() << bone.toStdString() << " is not among the unmapped bones";
+        return SkeletonRecognizer::LeftOut::WeakEvidence;
+    }
+};
+
+TEST_F(HierarchyRulesTest, TheHipsAreWhereTheThighsStartWhateverHoldsTheLegs)
+{
+    for (Options::Hips hips : {Options::Plain, Options::PelvisBelow, Options::FromFirstSpine, Options::BesideSpine})
+    {
+        Options options;
+        options.hips = hips;
+        const Builder built = Made(options);
+        const SkeletonRecognizer::Result result = Recognize(built);
+        Check(built, result, QStringLiteral("hips layout %1").arg(hips));
+    }
+    const Builder pelvis = Made({Options::PelvisBelow});
+    EXPECT_EQ(ReasonFor(pelvis, Recognize(pelvis), "Pelvis"), SkeletonRecognizer::LeftOut::ExtraInChain);
+    const Builder centre = Made({Options::BesideSpine});
+    EXPECT_EQ(ReasonFor(centre, Recognize(centre), "Center"), SkeletonRecognizer::LeftOut::AboveHips);
+}
+
+TEST_F(HierarchyRulesTest, TwistBonesInsideAndBesideTheLimbsBecomeRollBones)
+{
+    Options inside;
+    inside.inlineTwists = true;
+    Check(Made(inside), Recognize(Made(inside)), "inline twists");
+    Options beside;
+    beside.leafTwists = true;
+    Check(Made(beside), Recognize(Made(beside)), "leaf twists");
+}
+
+TEST_F(HierarchyRulesTest, TargetsEndsFaceAndRootsStayUnmapped)
+{
+    Options options;
+    options.ikTargets = true;
+    const Builder built = Made(options);
+    const SkeletonRecognizer::Result result = Recognize(built);
+    Check(built, result, "IK targets");
+    using LeftOut = SkeletonRecognizer::LeftOut;
+    EXPECT_EQ(ReasonFor(built, result, "ik_foot_l"), LeftOut::Helper);
+    EXPECT_EQ(ReasonFor(built, result, "HeadTop_End"), LeftOut::EndMarker);
+    EXPECT_EQ(ReasonFor(built, result, "Toe_End_L"), LeftOut::EndMarker);
+    EXPECT_EQ(ReasonFor(built, result, "Jaw"), LeftOut::FaceOrHair);
+    EXPECT_EQ(ReasonFor(built, result, "Root"), LeftOut::AboveHips);
+    EXPECT_EQ(result.characters[0].root, 0);
+}
+
+TEST_F(HierarchyRulesTest, HandsWithFewFingersOrNone)
+{
+    for (int fingers : {0, 3, 4, 5})
+    {
+        Options options;
+        options.fingers = fingers;
+        Check(Made(options), Recognize(Made(options)), QStringLiteral("%1 fingers").arg(fingers));
+    }
+}
+
+TEST_F(HierarchyRulesTest, NecksAndHeads)
+{
+    Options noNeck;
+    noNeck.neck = false;
+    Check(Made(noNeck), Recognize(Made(noNeck)), "no neck");
+    // A neck that ends the body's middle is a neck, not a head.
+    Options noHead;
+    noHead.head = false;
+    Check(Made(noHead), Recognize(Made(noHead)), "no head");
+}
+
+TEST_F(HierarchyRulesTest, PosesFromTheArmsAngle)
+{
+    const struct
+    {
+        double drop;
+        SkeletonRecognizer::PoseKind pose;
+    } cases[] = {{0.0, SkeletonRecognizer::PoseKind::TPose},
+                 {10.0, SkeletonRecognizer::PoseKind::TPose},
+                 {40.0, SkeletonRecognizer::PoseKind::APose},
+                 {80.0, SkeletonRecognizer::PoseKind::ArmsDown}};
+    for (const auto& c : cases)
+    {
+        Options options;
+        options.armDrop = c.drop;
+        const Builder built = Made(options);
+        const SkeletonRecognizer::Result result = Recognize(built);
+        Check(built, result, QStringLiteral("arms %1 degrees down").arg(c.drop));
+        EXPECT_EQ(result.characters[0].pose, c.pose) << c.drop;
+    }
+}
+
+TEST_F(HierarchyRulesTest, SidesComeFromTheFeetNotFromX)
+{
+    // Mirrored through X the skeleton still faces +Z, so its left is still +X: the bones named L now stand on its
+    // right, and the names are the ones mirrored.
+    Builder built = Made({});
+    for (SkeletonRecognizer::Bone& bone : built.bones)
+        bone.position[0] = -bone.position[0];
+    const SkeletonRecognizer::Result result = Recognize(built);
+    ASSERT_EQ(result.characters.size(), 1u);
+    int handL = -1;
+    for (const SkeletonRecognizer::NodeMatch& match : result.characters[0].nodes)
+        handL = built.bones[size_t(match.bone)].name == "Hand_L" ? match.nodeId : handL;
+    EXPECT_EQ(handL, 14);
+    EXPECT_TRUE(result.characters[0].frame.namesMirrored);
+    EXPECT_GT(result.characters[0].frame.left[0], 0.99);
+}
+
+Bones Chain(int count)
+{
+    Bones bones;
+    for (int i = 0; i < count; ++i)
+    {
+        SkeletonRecognizer::Bone bone;
+        bone.name = QStringLiteral("Joint%1").arg(i);
+        bone.parent = i - 1;
+        bone.position = {0.0, 0.1 * i, 0.0};
+        bones.push_back(bone);
+    }
+    return bones;
+}
+
+// Four legs down from a level spine, a neck and head in front, a tail behind.
+Bones Quadruped()
+{
+    Builder built;
+    const int pelvis = built.Add("pelvis", -1, 0, 0.8, -0.5);
+    int at = pelvis;
+    for (int i = 1; i <= 4; ++i)
+        at = built.Add(QStringLiteral("spine%1").arg(i), at, 0, 0.82, -0.5 + 0.25 * i);
+    const int chest = at;
+    const int neck = built.Add("neck", chest, 0, 1.0, 0.65);
+    built.Add("head", neck, 0, 1.15, 0.8);
+    int tail = pelvis;
+    for (int i = 1; i <= 4; ++i)
+        tail = built.Add(QStringLiteral("tail%1").arg(i), tail, 0, 0.8 - 0.05 * i, -0.5 - 0.15 * i);
+    for (int side = 0; side < 2; ++side)
+    {
+        for (int end = 0; end < 2; ++end)
+        {
+            const double s = side == 0 ? 0.15 : -0.15;
+            const double z = end == 0 ? -0.5 : 0.5;
+            const int parent = end == 0 ? pelvis : chest;
+            const QString name = QStringLiteral("leg_%1_%2_").arg(end == 0 ? "back" : "front", side == 0 ? "l" : "r");
+            int bone = built.Add(name + "1", parent, s, 0.75, z);
+            bone = built.Add(name + "2", bone, s, 0.45, z + 0.05);
+            bone = built.Add(name + "3", bone, s, 0.12, z - 0.05);
+            built.Add(name + "4", bone, s, 0.0, z + 0.05);
+        }
+    }
+    return built.bones;
+}
+
+Bones RandomTree(unsigned seed, int count)
+{
+    Bones bones;
+    unsigned state = seed;
+    const auto next = [&state] {
+        state = state * 1664525u + 1013904223u;
+        return state >> 8;
+    };
+    for (int i = 0; i < count; ++i)
+    {
+        SkeletonRecognizer::Bone bone;
+        bone.name = QStringLiteral("node%1").arg(i);
+        bone.parent = i == 0 ? -1 : int(next() % unsigned(i));
+        bone.position = {(next() % 2000) / 1000.0 - 1.0, (next() % 2000) / 1000.0, (next() % 2000) / 1000.0 - 1.0};
+        bones.push_back(bone);
+    }
+    return bones;
+}
+
+TEST_F(HierarchyRulesTest, SkeletonsThatAreNoHumanoidAreRefused)
+{
+    const SkeletonRecognizer recognizer;
+    EXPECT_TRUE(recognizer.Recognize(Chain(40)).characters.empty());
+    EXPECT_TRUE(recognizer.Recognize(Quadruped()).characters.empty());
+    for (unsigned seed : {1u, 7u, 42u, 1234u})
+        EXPECT_TRUE(recognizer.Recognize(RandomTree(seed, 120)).characters.empty()) << seed;
+    const SkeletonRecognizer::Result nothing = recognizer.Recognize(Chain(5));
+    EXPECT_EQ(nothing.outside.size(), 5u);
+}
+
+TEST_F(HierarchyRulesTest, DamagedInputNeverBreaksIt)
+{
+    const SkeletonRecognizer recognizer;
+    EXPECT_TRUE(recognizer.Recognize({}).characters.empty());
+    // Every joint at the origin, parents out of range or pointing forward, and numbers that are not numbers.
+    Builder built = Made({});
+    Bones flat = built.bones;
+    for (SkeletonRecognizer::Bone& bone : flat)
+        bone.position = {0.0, 0.0, 0.0};
+    EXPECT_TRUE(recognizer.Recognize(flat).characters.empty());
+    Bones broken = built.bones;
+    broken[3].parent = 1000;
+    broken[5].parent = 9;
+    broken[7].position = {NAN, INFINITY, 0.0};
+    broken[8].tip = {NAN, 0.0, 0.0};
+    broken[8].hasTip = true;
+    const SkeletonRecognizer::Result result = recognizer.Recognize(broken);
+    EXPECT_LE(result.characters.size(), 1u);
+}
+} // namespace
