@@ -82,3 +82,36 @@ bool SkeletonMapping::Apply(CharacterizationModel& model, ValidationReport::Mapp
     mapping.candidateBones = TemplateChooser::CandidateCount(offered, leaves);
     return true;
 }
+
+bool SkeletonMapping::ChooseCharacters(const SkeletonRecognizer::Result& result,
+                                       const std::vector<SkeletonRecognizer::Bone>& bones, std::vector<int>& chosen,
+                                       QString& error) const
+{
+    chosen.clear();
+    const int count = int(result.characters.size());
+    if (character.isEmpty())
+    {
+        for (int index = 0; index < count; ++index)
+            chosen.push_back(index);
+        return true;
+    }
+    bool isNumber = false;
+    const int number = character.toInt(&isNumber);
+    QStringList names;
+    for (int index = 0; index < count; ++index)
+    {
+        const SkeletonRecognizer::Character& found = result.characters[size_t(index)];
+        const QString root = bones[size_t(found.root)].name;
+        names << QStringLiteral("\"%1\"").arg(root);
+        if ((isNumber && number == index + 1) || character == root || character == bones[size_t(found.hips)].name)
+        {
+            chosen.push_back(index);
+            return true;
+        }
+    }
+    error = QStringLiteral("no character \"%1\" in the skeleton (it has %2: %3)")
+                .arg(character)
+                .arg(count)
+                .arg(names.join(QLatin1String(", ")));
+    return false;
+}

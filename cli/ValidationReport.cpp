@@ -1,5 +1,6 @@
 #include "ValidationReport.h"
 
+#include <cmath>
 #include <cstdio>
 
 #include <QJsonArray>
@@ -35,6 +36,26 @@ TemplateChooser::Result ChooserResult(const ValidationReport::Mapping& mapping)
     return result;
 }
 
+// "+Y" for an axis, else the vector's three numbers.
+QString Direction(const SkeletonRecognizer::Vector& v)
+{
+    static const char* const axes[] = {"X", "Y", "Z"};
+    for (int axis = 0; axis < 3; ++axis)
+        if (std::abs(std::abs(v[size_t(axis)]) - 1.0) < 1e-6)
+            return QStringLiteral("%1%2").arg(v[size_t(axis)] < 0 ? '-' : '+').arg(QLatin1String(axes[axis]));
+    return QStringLiteral("(%1, %2, %3)").arg(v[0], 0, 'f', 2).arg(v[1], 0, 'f', 2).arg(v[2], 0, 'f', 2);
+}
+
+QJsonArray Vector(const SkeletonRecognizer::Vector& v)
+{
+    return QJsonArray {v[0], v[1], v[2]};
+}
+
+int Percent(double share)
+{
+    return int(std::lround(share * 100.0));
+}
+
 // Continuation lines of a multi-line message line up under its first line.
 QString Indented(const QString& text, int width)
 {
@@ -62,12 +83,78 @@ void ValidationReport::SetMapping(const Mapping& mapping)
     mMapping = mapping;
 }
 
+void ValidationReport::SetRecognition(const Recognition& recognition)
+{
+    mHasRecognition = true;
+    mRecognition = recognition;
+}
+
+QString ValidationReport::RecognitionSummary() const
+{
+    const SkeletonRecognizer::Character& character = mRecognition.character;
+    return QStringLiteral("Automatic characterization: character %1 of %2, \"%3\" (hips \"%4\"), %5, up %6, facing "
+                          "%7: %8 nodes, confidence %9%.")
+        .arg(mRecognition.index)
+        .arg(mRecognition.count)
+        .arg(mRecognition.root, mRecognition.hips, SkeletonRecognizer::PoseKindName(character.pose),
+             Direction(character.frame.up), Direction(character.frame.facing))
+        .arg(character.nodes.size())
+        .arg(Percent(character.confidence));
+}
+
+// Nodes the recognizer was least sure of, for people to look at first.
+QStringList ValidationReport::UncertainNodes() const
+{
+    QStringList uncertain;
+    for (const SkeletonRecognizer::NodeMatch& match : mRecognition.character.nodes)
+        if (match.confidence < 0.6)
+            uncertain << QStringLiteral("  %1 (%2): %3%")
+                             .arg(NodeName(match.nodeId), mRecognition.boneNames.value(match.bone))
+                             .arg(Percent(match.confidence));
+    return uncertain;
+}
+
+void ValidationReport::AddRecognition(QJsonObject& report, QJsonArray& nodes) const
+{
+    const SkeletonRecognizer::Character& character = mRecognition.character;
+    report["method"] = QStringLiteral("recognition");
+    report["character"] = QJsonObject {{"index", mRecognition.index},
+                                       {"count", mRecognition.count},
+                                       {"root", mRecognition.root},
+                                       {"hips", mRecognition.hips},
+                                       {"pose", SkeletonRecognizer::PoseKindName(character.pose)},
+                                       {"up", Vector(character.frame.up)},
+                                       {"facing", Vector(character.frame.facing)},
+                                       {"left", Vector(character.frame.left)},
+                                       {"namesMirrored", character.frame.namesMirrored},
+                                       {"confidence", character.confidence}};
+    for (int i = 0; i < nodes.size(); ++i)
+    {
+        QJsonObject node = nodes[i].toObject();
+        for (const SkeletonRecognizer::NodeMatch& match : character.nodes)
+        {
+            if (match.nodeId != node["id"].toInt() || mRecognition.boneNames.value(match.bone) != node["bone"].toString())
+                continue;
+            node["confidence"] = match.confidence;
+            node["evidence"] = QJsonObject {{"hierarchy", match.evidence.hierarchy},
+                                            {"geometry", match.evidence.geometry},
+                                            {"name", match.evidence.name}};
+        }
+        nodes[i] = node;
+    }
+    QJsonArray unmapped;
+    for (const SkeletonRecognizer::UnmappedBone& bone : character.unmapped)
+        unmapped.append(QJsonObject {{"bone", mRecognition.boneNames.value(bone.bone)},
+                                     {"reason", SkeletonRecognizer::LeftOutName(bone.reason)}});
+    report["unmapped"] = unmapped;
+}
+
 int ValidationReport::ExitStatus() const
 {
     return mState == Error ? CliError::ValidationFailed : 0;
 }
 
-QByteArray ValidationReport::ToJson() const
+QByteArray ValidationReport::ToJson(bool compact) const
 {
     QJsonArray nodes;
     for (const Node& node : mNodes)
@@ -81,27 +168,36 @@ QByteArray ValidationReport::ToJson() const
     }
     QJsonObject report {{"state", int(mState)},
                         {"message", mMessage},
+                        {"method", mHasMapping ? QJsonValue(QStringLiteral("template")) : QJsonValue()},
                         {"template", QJsonValue::Null},
                         {"score", QJsonValue::Null},
-                        {"mappedNodes", int(mNodes.size())},
-                        {"nodes", nodes}};
+                        {"mappedNodes", int(mNodes.size())}};
     if (mHasMapping)
     {
         if (!mMapping.templateName.isEmpty())
             report["template"] = mMapping.templateName;
         report["score"] = ChooserResult(mMapping).Score();
+        if (!mMapping.note.isEmpty())
+            report["note"] = mMapping.note;
         report["candidateBones"] = mMapping.candidateBones;
     }
+    if (mHasRecognition)
+        AddRecognition(report, nodes);
+    report["nodes"] = nodes;
     if (!mMissingBones.isEmpty())
         report["missingBones"] = QJsonArray::fromStringList(mMissingBones);
-    return QJsonDocument(report).toJson(QJsonDocument::Indented);
+    return QJsonDocument(report).toJson(compact ? QJsonDocument::Compact : QJsonDocument::Indented);
 }
 
 QString ValidationReport::ToText() const
 {
     QStringList lines;
-    if (mHasMapping)
-        lines << ChooserResult(mMapping).Summary();
+    if (mHasRecognition)
+        lines << RecognitionSummary();
+    else if (mHasMapping)
+        lines << (mMapping.note.isEmpty() ? QString() : mMapping.note + QLatin1Char(' ')) + ChooserResult(mMapping).Summary();
+    if (mHasRecognition && mRecognition.character.frame.namesMirrored)
+        lines << QStringLiteral("Note: most bones named for a side stand on the other side; the geometry decided.");
     lines << QStringLiteral("State: %1 (%2)").arg(int(mState)).arg(StateName(mState));
     if (!mMessage.isEmpty())
         lines << QStringLiteral("Message: %1").arg(Indented(mMessage, 9));
@@ -116,6 +212,9 @@ QString ValidationReport::ToText() const
     }
     lines << (findings.isEmpty() ? QStringLiteral("Findings: none") : QStringLiteral("Findings:"));
     lines << findings;
+    const QStringList uncertain = mHasRecognition ? UncertainNodes() : QStringList();
+    if (!uncertain.isEmpty())
+        lines << QStringLiteral("Least certain:") << uncertain;
     if (!mMissingBones.isEmpty())
         lines << QStringLiteral("Not in the skeleton (stored geometry used): %1").arg(mMissingBones.join(", "));
     if (!mWrittenFiles.isEmpty())
@@ -123,7 +222,8 @@ QString ValidationReport::ToText() const
     return lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
 }
 
-void ValidationReport::Print(bool json) const
+void ValidationReport::Print(bool json, bool compact) const
 {
-    std::fputs(json ? ToJson().constData() : ToText().toLocal8Bit().constData(), stdout);
+    std::fputs(json ? (ToJson(compact) + (compact ? "\n" : "")).constData() : ToText().toLocal8Bit().constData(),
+               stdout);
 }

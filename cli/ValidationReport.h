@@ -5,9 +5,12 @@
 #include <QString>
 #include <QStringList>
 
+#include <zelkin/SkeletonRecognizer.h>
 #include <zelkin/ValidationLog.h>
 
 class CharacterizationModel;
+class QJsonArray;
+class QJsonObject;
 
 // What validating the model's current characterization found, printed for people or as one JSON document:
 // the overall state and message, how the skeleton was mapped, and every assigned node with its bone and findings.
@@ -20,11 +23,24 @@ public:
         QString templateName; // empty when no template mapped a bone
         int mappedNodes = 0;
         int candidateBones = 0; // the skeleton's bones that could be nodes
+        QString note;           // why templates mapped it, when automatic characterization found nothing
+    };
+
+    // The character automatic characterization found and mapped.
+    struct Recognition
+    {
+        int index = 0; // 1-based, of `count` characters in the skeleton
+        int count = 0;
+        QString root;
+        QString hips;
+        SkeletonRecognizer::Character character;
+        QStringList boneNames; // the whole skeleton's, by bone index
     };
 
     explicit ValidationReport(const CharacterizationModel& model);
 
     void SetMapping(const Mapping& mapping);
+    void SetRecognition(const Recognition& recognition);
     // Mapped bones that the skeleton supplying the geometry lacks; they kept the geometry stored with them.
     void SetMissingBones(const QStringList& bones) { mMissingBones = bones; }
     // Shown to people after the findings.
@@ -33,12 +49,17 @@ public:
     ValidationState State() const { return mState; }
     // 2 when validation ends in an error, else 0.
     int ExitStatus() const;
-    QByteArray ToJson() const;
+    // Indented, or on one line (a JSON Lines record).
+    QByteArray ToJson(bool compact = false) const;
     QString ToText() const;
     // On stdout, as JSON or for people.
-    void Print(bool json) const;
+    void Print(bool json, bool compact = false) const;
 
 private:
+    QString RecognitionSummary() const;
+    QStringList UncertainNodes() const;
+    void AddRecognition(QJsonObject& report, QJsonArray& nodes) const;
+
     struct Node
     {
         int id;
@@ -52,6 +73,8 @@ private:
     std::vector<Node> mNodes;
     bool mHasMapping = false;
     Mapping mMapping;
+    bool mHasRecognition = false;
+    Recognition mRecognition;
     QStringList mMissingBones;
     QStringList mWrittenFiles;
 };

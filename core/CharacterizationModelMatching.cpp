@@ -97,11 +97,79 @@ QSet<QString> CharacterizationModel::GetLeafBones(const QStringList& sceneBones)
     return leaves;
 }
 
+SkeletonRecognizer::Result CharacterizationModel::RecognizeSkeleton(std::vector<SkeletonRecognizer::Bone>& bones) const
+{
+    bones.clear();
+    if (mHub == nullptr || !mHub->DescribeSkeleton(bones))
+        return {};
+    return SkeletonRecognizer(GetTemplateLibrary()).Recognize(bones);
+}
+
+int CharacterizationModel::SelectedCharacter(const SkeletonRecognizer::Result& result,
+                                             const std::vector<SkeletonRecognizer::Bone>& bones) const
+{
+    QStringList selection;
+    if (mHub != nullptr)
+        mHub->GetSelectedBones(selection);
+    for (const QString& selected : selection)
+    {
+        const auto found = std::find_if(bones.begin(), bones.end(), [&](const auto& bone) { return bone.name == selected; });
+        // Up from the bone to the first character root; a host's loop of parents ends after one pass over them.
+        int at = found != bones.end() ? int(found - bones.begin()) : -1;
+        for (size_t steps = 0; at >= 0 && at < int(bones.size()) && steps <= bones.size(); ++steps)
+        {
+            for (size_t c = 0; c < result.characters.size(); ++c)
+                if (result.characters[c].root == at)
+                    return int(c);
+            at = bones[size_t(at)].parent;
+        }
+    }
+    return result.characters.empty() ? -1 : 0;
+}
+
+int CharacterizationModel::ApplyRecognition(const SkeletonRecognizer::Character& character,
+                                            const std::vector<SkeletonRecognizer::Bone>& bones, bool replace)
+{
+    if (!IsEditable())
+        return -1;
+    const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
+    std::vector<QString> wanted(ZELNodeCount);
+    for (const SkeletonRecognizer::NodeMatch& match : character.nodes)
+        if (match.nodeId >= 0 && match.nodeId < ZELNodeCount && match.bone >= 0 && match.bone < int(bones.size()))
+            wanted[size_t(match.nodeId)] = bones[size_t(match.bone)].name;
+    std::vector<Assignment> batch;
+    // Clearing comes first in the batch, so that a bone can move to its new node.
+    for (int nodeId = 0; replace && nodeId < ZELNodeCount; ++nodeId)
+        if (current->IsAssigned(nodeId) && current->GetBone(nodeId) != wanted[size_t(nodeId)])
+            batch.emplace_back(nodeId, QString());
+    int mapped = 0;
+    for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
+    {
+        const QString& bone = wanted[size_t(nodeId)];
+        if (bone.isEmpty() || current->GetBone(nodeId) == bone)
+            continue;
+        if (!replace && (current->IsAssigned(nodeId) || current->FindNode(bone) >= 0))
+            continue;
+        batch.emplace_back(nodeId, bone);
+        ++mapped;
+    }
+    AssignBones(batch);
+    return mapped;
+}
+
 void CharacterizationModel::AutoMatch()
 {
     QStringList sceneBones;
     if (!IsEditable() || mHub == nullptr || !mHub->GetSceneBones(sceneBones) || sceneBones.isEmpty())
         return;
+    std::vector<SkeletonRecognizer::Bone> bones;
+    const SkeletonRecognizer::Result recognized = RecognizeSkeleton(bones);
+    const int character = SelectedCharacter(recognized, bones);
+    if (character >= 0)
+    {
+        ApplyRecognition(recognized.characters[size_t(character)], bones, false);
+        return;
+    }
     const TemplateChooser::Result best = CreateTemplateChooser()->Choose(sceneBones, GetLeafBones(sceneBones));
     MappingTemplate chosen;
     if (best.IsValid() && GetTemplateLibrary().Load(best.templateName, chosen))

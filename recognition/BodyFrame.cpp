@@ -133,7 +133,9 @@ void BodyFrame::Orient()
         std::swap(mBody.legs[0], mBody.legs[1]);
         std::swap(mBody.arms[0], mBody.arms[1]);
     }
-    mBody.facing = vote < 0.0 ? -facingIfLeft : facingIfLeft;
+    mBody.facing = Snapped(vote < 0.0 ? -facingIfLeft : facingIfLeft);
+    if (std::abs(mBody.facing.dot(mBody.up)) > 1e-9)
+        mBody.facing = (vote < 0.0 ? -facingIfLeft : facingIfLeft);
     mBody.left = mBody.up.cross(mBody.facing);
     mBody.legs[0].side = mBody.arms[0].side = Side::Left;
     mBody.legs[1].side = mBody.arms[1].side = Side::Right;

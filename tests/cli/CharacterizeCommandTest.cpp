@@ -1,5 +1,5 @@
-// Characterizing and validating real skeletons through the zelkin program: the template it picks, the findings,
-// the exit status and the files it writes or leaves alone.
+// Characterizing and validating real skeletons through the zelkin program: how it maps them, the findings, the
+// exit status and the files it writes or leaves alone.
 #include <cmath>
 
 #include <QDir>
@@ -52,14 +52,15 @@ void ExpectOneLineFailure(const ProcessResult& run, const char* what)
 }
 } // namespace
 
-TEST(CharacterizeCommand, MixamoRigGetsTheMixamoTemplateAndEveryNodeRight)
+TEST(CharacterizeCommand, MixamoRigIsRecognizedWithEveryNodeRight)
 {
     const ProcessResult run = zelkin({"characterize", corpusSkeleton("mixamo_xbot.glb"), "--json"});
     ASSERT_EQ(run.status, 0) << run.err.constData();
     const QJsonObject report = run.Json();
     EXPECT_EQ(report["state"].toInt(), 1);
     EXPECT_EQ(report["message"].toString(), "");
-    EXPECT_EQ(report["template"].toString(), "Mixamo");
+    EXPECT_EQ(report["method"].toString(), "recognition");
+    EXPECT_TRUE(report["template"].isNull());
     EXPECT_EQ(report["mappedNodes"].toInt(), 62);
     EXPECT_EQ(report["candidateBones"].toInt(), 62) << "the three _End bones could not be nodes";
     EXPECT_DOUBLE_EQ(report["score"].toDouble(), 1.0);
@@ -76,7 +77,20 @@ TEST(CharacterizeCommand, MixamoRigGetsTheMixamoTemplateAndEveryNodeRight)
         EXPECT_EQ(node["state"].toInt(), 1) << qPrintable(bone);
         EXPECT_TRUE(node["messages"].toArray().isEmpty()) << qPrintable(bone);
         EXPECT_FALSE(bone.endsWith("_End")) << qPrintable(bone);
+        EXPECT_GT(node["confidence"].toDouble(), 0.6) << qPrintable(bone);
+        EXPECT_GT(node["evidence"].toObject()["hierarchy"].toDouble(), 0.5) << qPrintable(bone);
     }
+    const QJsonObject character = report["character"].toObject();
+    EXPECT_EQ(character["count"].toInt(), 1);
+    EXPECT_EQ(character["hips"].toString(), "mixamorig:Hips");
+    EXPECT_EQ(character["pose"].toString(), "T-pose");
+    EXPECT_EQ(character["up"].toArray(), (QJsonArray {0.0, 1.0, 0.0}));
+    EXPECT_EQ(character["facing"].toArray(), (QJsonArray {0.0, 0.0, 1.0}));
+    QStringList unmapped;
+    for (const QJsonValue& bone : report["unmapped"].toArray())
+        unmapped << bone.toObject()["bone"].toString() + " " + bone.toObject()["reason"].toString();
+    EXPECT_TRUE(unmapped.contains("mixamorig:HeadTop_End end marker")) << qPrintable(unmapped.join(", "));
+    EXPECT_EQ(unmapped.size(), 3);
 }
 
 TEST(CharacterizeCommand, PirouetteSkeletonWarnsAboutTheLeftArmAndMissesItsHead)
@@ -86,7 +100,9 @@ TEST(CharacterizeCommand, PirouetteSkeletonWarnsAboutTheLeftArmAndMissesItsHead)
     EXPECT_TRUE(run.err.isEmpty());
     const QJsonObject report = run.Json();
     EXPECT_EQ(report["state"].toInt(), 3);
-    EXPECT_EQ(report["template"].toString(), "Poser");
+    EXPECT_EQ(report["method"].toString(), "recognition");
+    EXPECT_EQ(report["mappedNodes"].toInt(), 18);
+    EXPECT_EQ(NodeNamed(report, "Neck")["bone"].toString(), "neck");
     EXPECT_TRUE(report["message"].toString().split('\n').contains("Missing required bones."));
     EXPECT_TRUE(NodeNamed(report, "Head").isEmpty());
 
@@ -102,12 +118,15 @@ TEST(CharacterizeCommand, PirouetteSkeletonWarnsAboutTheLeftArmAndMissesItsHead)
     EXPECT_NEAR(angle.captured(1).toDouble(), PirouetteLeftArmAngle(), 1e-4);
 }
 
-TEST(CharacterizeCommand, ReportForPeopleGivesStateTemplateAndFindingsWithNodeAndBone)
+TEST(CharacterizeCommand, ReportForPeopleGivesCharacterStateAndFindingsWithNodeAndBone)
 {
     const ProcessResult pirouette = zelkin({"characterize", corpusSkeleton("poser_pirouette.bvh")});
     EXPECT_EQ(pirouette.status, 2);
     const QString text = QString::fromUtf8(pirouette.out);
-    EXPECT_TRUE(text.startsWith("Template \"Poser\": 18 of 20 bones mapped (90%).\nState: 3 (error)\n"))
+    EXPECT_TRUE(QRegularExpression("^Automatic characterization: character 1 of 1, \"hip\" \\(hips \"hip\"\\), T-pose, "
+                                   "up \\+Y, facing \\+Z: 18 nodes, confidence [0-9]+%.\nState: 3 \\(error\\)\n")
+                    .match(text)
+                    .hasMatch())
         << qPrintable(text);
     EXPECT_TRUE(text.contains("Message: Missing required bones.\n")) << qPrintable(text);
     EXPECT_TRUE(text.contains("  warning  LeftArm (lshldr): " + LeftArmWarning + "\n")) << qPrintable(text);
@@ -127,7 +146,7 @@ TEST(CharacterizeCommand, SampleSkeletonIsValidAndItsStreamCanBeInspected)
     ASSERT_EQ(run.status, 0) << run.err.constData();
     const QJsonObject report = run.Json();
     EXPECT_EQ(report["state"].toInt(), 1) << qPrintable(report["message"].toString());
-    EXPECT_EQ(report["template"].toString(), "Zelkin");
+    EXPECT_EQ(report["method"].toString(), "recognition");
     EXPECT_EQ(report["mappedNodes"].toInt(), 53);
     EXPECT_EQ(NodeNamed(report, "LeftHandThumb3")["bone"].toString(), "LeftHandThumb3");
     EXPECT_TRUE(readFile(dir.filePath("sample_humanoid.bones.xml")).contains("LeftHandPinky3"));
@@ -144,6 +163,7 @@ TEST(CharacterizeCommand, NamedTemplateAndPrefixAreHonoured)
     // The generic template fits the rig once the prefix is taken off the names.
     const QJsonObject prefixed =
         zelkin({"characterize", mixamo, "--template", "Zelkin", "--prefix", MixamoPrefix, "--json"}).Json();
+    EXPECT_EQ(prefixed["method"].toString(), "template");
     EXPECT_EQ(prefixed["template"].toString(), "Zelkin");
     EXPECT_EQ(prefixed["mappedNodes"].toInt(), 62);
 

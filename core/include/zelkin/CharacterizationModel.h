@@ -16,6 +16,7 @@
 #include <zelkin/CharacterizationExport.h>
 #include <zelkin/MirrorMatcher.h>
 #include <zelkin/NameMatcher.h>
+#include <zelkin/SkeletonRecognizer.h>
 #include <zelkin/ValidationLog.h>
 
 class IDCCHub;
@@ -104,6 +105,20 @@ public:
     // Scene bones (in scene order) without children.
     QSet<QString> GetLeafBones(const QStringList& sceneBones) const;
 
+    // Automatic characterization: the humanoids in the host's skeleton (IDCCHub::DescribeSkeleton), with the
+    // template library as one more reader of bone names. `bones` receives the skeleton as read. Nothing without a
+    // hub.
+    SkeletonRecognizer::Result RecognizeSkeleton(std::vector<SkeletonRecognizer::Bone>& bones) const;
+    // The character holding the first of the host's selected bones that belongs to one, else the first; -1 when
+    // none was found.
+    int SelectedCharacter(const SkeletonRecognizer::Result& result,
+                          const std::vector<SkeletonRecognizer::Bone>& bones) const;
+    // Gives the current characterization a recognized character's mapping in one batch. With `replace` every other
+    // node is cleared first; otherwise nodes and bones already in use keep what they have. The number of nodes that
+    // got a bone; -1 when the characterization cannot be edited.
+    int ApplyRecognition(const SkeletonRecognizer::Character& character,
+                         const std::vector<SkeletonRecognizer::Bone>& bones, bool replace);
+
     // invertibleBone: an IDCCHub::InvertibleBone value.
     bool IsInverted(int invertibleBone) const;
     bool SetInverted(int invertibleBone, bool inverted);
@@ -135,7 +150,8 @@ public slots:
     void RemoveCharacterizationNode(const QString& name);
     void RenameCharacterization(const QString& newName, const QString& oldName);
     void ClearAll();
-    // Applies the template that fits the scene best (TemplateChooser) to every scene bone.
+    // Maps the host's skeleton automatically (the selected character when several are found), keeping what is
+    // already mapped; when no humanoid is found, applies the template that fits the scene best.
     void AutoMatch();
     bool SetCurrentCharacterization(int index);
     void SetEditMode(bool readOnly, std::vector<int> unsyncNodeToClear = std::vector<int>());
