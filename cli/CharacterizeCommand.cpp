@@ -110,7 +110,7 @@ bool CharacterizeRecognized(CharacterizationModel& model, const SkeletonMapping&
         if (chosen.size() > 1)
             model.RenameCharacterization(QStringLiteral("%1 %2").arg(base, root),
                                          model.GetCurrentCharacterization()->GetName());
-        model.ApplyRecognition(character, bones, true);
+        model.ApplyRecognition(character, bones, CharacterizationModel::Merge::ReplaceAll);
         model.Validate();
         const std::shared_ptr<Characterization> current = model.GetCurrentCharacterization();
         ValidationReport report(model);

@@ -77,7 +77,7 @@ void CharacterTool::AutoMatch()
     }
     const int before = GetCharacterization()->AssignedCount();
     mModel->AutoMatch();
-    ReportApplied(GetCharacterization()->AssignedCount() - before);
+    ReportApplied(GetCharacterization()->AssignedCount() - before, false);
 }
 
 bool CharacterTool::ShowAutoMatch()
@@ -88,20 +88,79 @@ bool CharacterTool::ShowAutoMatch()
     const TemplateLibrary library = mModel->GetTemplateLibrary();
     ApplyTemplateDialog dialog(library, mModel->GetMatchType(), mModel->CommonBonePrefix(bones.scene),
                                bones.selection.size(), this);
-    const TemplateChooser::Result best =
-        mModel->CreateTemplateChooser()->Choose(bones.scene, mModel->GetLeafBones(bones.scene));
-    if (best.IsValid())
-        dialog.Recommend(best.templateName, tr("Best fit for this skeleton: %1").arg(best.Summary()));
+    std::vector<SkeletonRecognizer::Bone> skeleton;
+    const SkeletonRecognizer::Result recognized = mModel->RecognizeSkeleton(skeleton);
+    if (!recognized.characters.empty())
+    {
+        const SkeletonRecognizer::Character& first = recognized.characters.front();
+        dialog.RecommendAutomatic(
+            tr("Found in the skeleton: %n humanoid(s); \"%1\" gets %2 nodes (%3).", nullptr,
+               int(recognized.characters.size()))
+                .arg(skeleton[size_t(first.root)].name)
+                .arg(first.nodes.size())
+                .arg(SkeletonRecognizer::PoseKindName(first.pose)));
+    }
+    else
+    {
+        const TemplateChooser::Result best =
+            mModel->CreateTemplateChooser()->Choose(bones.scene, mModel->GetLeafBones(bones.scene));
+        const QString none = SkeletonRecognizer::NoHumanoidText(int(skeleton.size()));
+        if (best.IsValid())
+            dialog.Recommend(best.templateName, none + QLatin1Char('\n') +
+                                                    tr("Best fit for this skeleton: %1").arg(best.Summary()));
+        else
+            dialog.RecommendAutomatic(none);
+    }
     if (dialog.exec() != QDialog::Accepted)
         return false;
+    const bool selectedOnly = dialog.GetScope() == ApplyTemplateDialog::SelectedOnly;
+    if (dialog.IsAutomatic())
+    {
+        const int mapped = ApplyRecognized(recognized, skeleton, selectedOnly);
+        if (mapped >= 0)
+            ReportApplied(mapped, true);
+        return mapped >= 0;
+    }
     mBridge->GetConfiguration().SetMatchType(dialog.GetMatchType());
     SaveConfiguration();
-    const int mapped = ApplyTemplate(dialog.GetTemplateName(), dialog.GetMatchType(),
-                                     dialog.GetScope() == ApplyTemplateDialog::SelectedOnly, dialog.GetPrefix());
+    const int mapped = ApplyTemplate(dialog.GetTemplateName(), dialog.GetMatchType(), selectedOnly, dialog.GetPrefix());
     if (mapped < 0)
         return false;
-    ReportApplied(mapped);
+    ReportApplied(mapped, false);
     return true;
+}
+
+int CharacterTool::ApplyRecognized(const SkeletonRecognizer::Result& recognized,
+                                   const std::vector<SkeletonRecognizer::Bone>& skeleton, bool selectedOnly)
+{
+    if (recognized.characters.empty())
+    {
+        ShowError(tr("Match Error"), SkeletonRecognizer::NoHumanoidText(int(skeleton.size())));
+        return -1;
+    }
+    if (selectedOnly && ReadHostBones(mHub).selection.isEmpty())
+    {
+        ShowError(tr("Match Error"),
+                  tr("You must select at least one bone in the skeleton\nbefore you can use a mapping template."));
+        return -1;
+    }
+    const SkeletonRecognizer::Character& character =
+        recognized.characters[size_t(mModel->SelectedCharacter(recognized, skeleton))];
+    CharacterizationModel::Merge merge = CharacterizationModel::Merge::KeepExisting;
+    const int conflicts = mModel->RecognitionConflicts(character, skeleton);
+    if (conflicts > 0)
+    {
+        const QMessageBox::StandardButton answer = ShowMessage(
+            QMessageBox::Question, tr("Bone Already Assigned"),
+            tr("%n node(s) already hold other bones.\nReplace them with the bones found in the skeleton?", nullptr,
+               conflicts),
+            QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
+        if (answer == QMessageBox::Cancel)
+            return -1;
+        if (answer == QMessageBox::Yes)
+            merge = CharacterizationModel::Merge::PreferRecognized;
+    }
+    return mModel->ApplyRecognition(character, skeleton, merge);
 }
 
 int CharacterTool::ApplyTemplate(const QString& name, int matchType, bool selectedOnly, const QString& prefix)
@@ -126,11 +185,13 @@ int CharacterTool::ApplyTemplate(const QString& name, int matchType, bool select
                                  selectedOnly ? QString() : prefix);
 }
 
-void CharacterTool::ReportApplied(int mapped)
+void CharacterTool::ReportApplied(int mapped, bool automatic)
 {
     const QString count = mapped == 1 ? tr("1 node was mapped.") : tr("%1 nodes were mapped.").arg(mapped);
-    ShowMessage(QMessageBox::Information, tr("Apply Mapping Template"),
-                tr("Template successfully applied.") + QLatin1Char('\n') + count, QMessageBox::Ok, QMessageBox::Ok);
+    const QString done = automatic ? tr("The skeleton was characterized automatically.")
+                                   : tr("Template successfully applied.");
+    ShowMessage(QMessageBox::Information, tr("Apply Mapping Template"), done + QLatin1Char('\n') + count,
+                QMessageBox::Ok, QMessageBox::Ok);
 }
 
 bool CharacterTool::CanExtractTemplate()

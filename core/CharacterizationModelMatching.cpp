@@ -127,28 +127,64 @@ int CharacterizationModel::SelectedCharacter(const SkeletonRecognizer::Result& r
     return result.characters.empty() ? -1 : 0;
 }
 
-int CharacterizationModel::ApplyRecognition(const SkeletonRecognizer::Character& character,
-                                            const std::vector<SkeletonRecognizer::Bone>& bones, bool replace)
+namespace
 {
-    if (!IsEditable())
-        return -1;
-    const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
+// The bone the character gives each node, empty where it gives none.
+std::vector<QString> RecognizedBones(const SkeletonRecognizer::Character& character,
+                                     const std::vector<SkeletonRecognizer::Bone>& bones)
+{
     std::vector<QString> wanted(ZELNodeCount);
     for (const SkeletonRecognizer::NodeMatch& match : character.nodes)
         if (match.nodeId >= 0 && match.nodeId < ZELNodeCount && match.bone >= 0 && match.bone < int(bones.size()))
             wanted[size_t(match.nodeId)] = bones[size_t(match.bone)].name;
+    return wanted;
+}
+} // namespace
+
+int CharacterizationModel::RecognitionConflicts(const SkeletonRecognizer::Character& character,
+                                                const std::vector<SkeletonRecognizer::Bone>& bones) const
+{
+    const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
+    if (!current)
+        return 0;
+    const std::vector<QString> wanted = RecognizedBones(character, bones);
+    const QSet<QString> recognized(wanted.begin(), wanted.end());
+    int conflicts = 0;
+    for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
+    {
+        const QString held = current->GetBone(nodeId);
+        const QString& bone = wanted[size_t(nodeId)];
+        if (!held.isEmpty() && ((!bone.isEmpty() && bone != held) || (bone.isEmpty() && recognized.contains(held))))
+            ++conflicts;
+    }
+    return conflicts;
+}
+
+int CharacterizationModel::ApplyRecognition(const SkeletonRecognizer::Character& character,
+                                            const std::vector<SkeletonRecognizer::Bone>& bones, Merge merge)
+{
+    if (!IsEditable())
+        return -1;
+    const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
+    const std::vector<QString> wanted = RecognizedBones(character, bones);
+    const QSet<QString> recognized(wanted.begin(), wanted.end());
     std::vector<Assignment> batch;
     // Clearing comes first in the batch, so that a bone can move to its new node.
-    for (int nodeId = 0; replace && nodeId < ZELNodeCount; ++nodeId)
-        if (current->IsAssigned(nodeId) && current->GetBone(nodeId) != wanted[size_t(nodeId)])
+    for (int nodeId = 0; merge != Merge::KeepExisting && nodeId < ZELNodeCount; ++nodeId)
+    {
+        const QString held = current->GetBone(nodeId);
+        const bool loses = merge == Merge::ReplaceAll ? held != wanted[size_t(nodeId)]
+                                                      : !wanted[size_t(nodeId)].isEmpty() || recognized.contains(held);
+        if (!held.isEmpty() && loses && held != wanted[size_t(nodeId)])
             batch.emplace_back(nodeId, QString());
+    }
     int mapped = 0;
     for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
     {
         const QString& bone = wanted[size_t(nodeId)];
         if (bone.isEmpty() || current->GetBone(nodeId) == bone)
             continue;
-        if (!replace && (current->IsAssigned(nodeId) || current->FindNode(bone) >= 0))
+        if (merge == Merge::KeepExisting && (current->IsAssigned(nodeId) || current->FindNode(bone) >= 0))
             continue;
         batch.emplace_back(nodeId, bone);
         ++mapped;
@@ -167,7 +203,7 @@ void CharacterizationModel::AutoMatch()
     const int character = SelectedCharacter(recognized, bones);
     if (character >= 0)
     {
-        ApplyRecognition(recognized.characters[size_t(character)], bones, false);
+        ApplyRecognition(recognized.characters[size_t(character)], bones, Merge::KeepExisting);
         return;
     }
     const TemplateChooser::Result best = CreateTemplateChooser()->Choose(sceneBones, GetLeafBones(sceneBones));

@@ -18,6 +18,7 @@
 namespace
 {
 constexpr int NameRole = Qt::UserRole;
+constexpr int AutomaticRole = Qt::UserRole + 1;
 } // namespace
 
 ApplyTemplateDialog::ApplyTemplateDialog(const TemplateLibrary& library, NameMatcher::MatchType type,
@@ -33,7 +34,7 @@ ApplyTemplateDialog::ApplyTemplateDialog(const TemplateLibrary& library, NameMat
     setWindowTitle(tr("Apply Mapping Template"));
     setModal(true);
 
-    auto* listLabel = new QLabel(tr("&Template:"), this);
+    auto* listLabel = new QLabel(tr("&Map by:"), this);
     listLabel->setBuddy(mTemplates);
     FillTemplates(library);
     mRecommendation->setWordWrap(true);
@@ -70,6 +71,13 @@ ApplyTemplateDialog::ApplyTemplateDialog(const TemplateLibrary& library, NameMat
 
 void ApplyTemplateDialog::FillTemplates(const TemplateLibrary& library)
 {
+    auto* automatic = new QListWidgetItem(tr("Automatic (from the skeleton)"), mTemplates);
+    automatic->setData(AutomaticRole, true);
+    automatic->setToolTip(tr("Finds the humanoid from the skeleton's shape first and its bone names second; no "
+                             "template has to spell the names."));
+    QFont font = automatic->font();
+    font.setBold(true);
+    automatic->setFont(font);
     for (const QString& name : library.Names())
     {
         auto* item = new QListWidgetItem(name, mTemplates);
@@ -120,10 +128,26 @@ bool ApplyTemplateDialog::SelectTemplate(const QString& name)
 
 void ApplyTemplateDialog::Recommend(const QString& name, const QString& reason)
 {
-    if (!SelectTemplate(name))
-        return;
+    if (SelectTemplate(name))
+        ShowRecommendation(reason);
+}
+
+void ApplyTemplateDialog::RecommendAutomatic(const QString& reason)
+{
+    mTemplates->setCurrentRow(0);
+    ShowRecommendation(reason);
+}
+
+void ApplyTemplateDialog::ShowRecommendation(const QString& reason)
+{
     mRecommendation->setText(reason);
     mRecommendation->setVisible(!reason.isEmpty());
+}
+
+bool ApplyTemplateDialog::IsAutomatic() const
+{
+    const QListWidgetItem* item = mTemplates->currentItem();
+    return item != nullptr && item->data(AutomaticRole).toBool();
 }
 
 QString ApplyTemplateDialog::GetTemplateName() const
@@ -159,13 +183,15 @@ QString ApplyTemplateDialog::MatchTypeName(NameMatcher::MatchType type)
 
 void ApplyTemplateDialog::UpdateState()
 {
-    mPrefix->setEnabled(GetScope() == AllWithPrefix);
+    // The skeleton's shape needs neither a match type nor a prefix.
+    mMatchType->setEnabled(!IsAutomatic());
+    mPrefix->setEnabled(GetScope() == AllWithPrefix && !IsAutomatic());
     mOk->setEnabled(mTemplates->currentItem() != nullptr);
 }
 
 void ApplyTemplateDialog::accept()
 {
-    if (GetTemplateName().isEmpty())
+    if (!IsAutomatic() && GetTemplateName().isEmpty())
         return;
     if (GetScope() == SelectedOnly && mSelectedBones <= 0)
     {

@@ -46,10 +46,49 @@ int Node(const char* name)
     return BoneCatalogue::NodeId(name);
 }
 
-TEST_F(Templates, TheBestFittingTemplateIsOfferedAppliedAndCounted)
+TEST_F(Templates, AutomaticCharacterizationIsOfferedFirstAndAsksBeforeItMovesBones)
 {
     ModalScript script({ApplyWith([](Dialog* dialog) {
-                            EXPECT_EQ(dialog->GetTemplateName(), QStringLiteral("Mixamo"));
+                            EXPECT_TRUE(dialog->IsAutomatic());
+                            EXPECT_EQ(dialog->GetTemplateList()->item(0)->text(),
+                                      QStringLiteral("Automatic (from the skeleton)"));
+                            EXPECT_FALSE(dialog->GetMatchTypeBox()->isEnabled());
+                            EXPECT_GE(dialog->GetTemplateList()->count(), 11);
+                        }),
+                        ModalScript::Answer(QMessageBox::Ok)});
+    tool->AutoMatch();
+    ASSERT_TRUE(script.Done());
+    const int mapped = Current().AssignedCount();
+    EXPECT_EQ(mapped, 62);
+    EXPECT_EQ(Current().GetBone(Node("LeftForeArm")), Rig("LeftForeArm"));
+    EXPECT_EQ(script.boxTitles, QStringList({"Apply Mapping Template"}));
+    EXPECT_EQ(script.boxTexts.value(0),
+              QStringLiteral("The skeleton was characterized automatically.\n%1 nodes were mapped.").arg(mapped));
+    EXPECT_EQ(model->GetValidationState(), Valid) << model->GetValidationMessage();
+
+    // Over a hand-made change it asks first: declined, the hand-made change stays and nothing is mapped; accepted,
+    // the bones found in the skeleton win.
+    model->AssignBones({{Node("Head"), QString()}, {Node("Neck"), Rig("Head")}});
+    ModalScript declined({ApplyWith({}), ModalScript::Answer(QMessageBox::No), ModalScript::Answer(QMessageBox::Ok)});
+    tool->AutoMatch();
+    EXPECT_EQ(declined.boxTitles, QStringList({"Bone Already Assigned", "Apply Mapping Template"}));
+    EXPECT_EQ(declined.boxTexts.value(0),
+              QStringLiteral("1 node(s) already hold other bones.\nReplace them with the bones found in the skeleton?"));
+    EXPECT_EQ(declined.boxTexts.value(1), QStringLiteral("The skeleton was characterized automatically.\n0 nodes were mapped."));
+    EXPECT_EQ(Current().GetBone(Node("Neck")), Rig("Head"));
+    EXPECT_FALSE(Current().IsAssigned(Node("Head")));
+    ModalScript accepted({ApplyWith({}), ModalScript::Answer(QMessageBox::Yes), ModalScript::Answer(QMessageBox::Ok)});
+    tool->AutoMatch();
+    EXPECT_EQ(Current().GetBone(Node("Neck")), Rig("Neck"));
+    EXPECT_EQ(Current().GetBone(Node("Head")), Rig("Head"));
+}
+
+TEST_F(Templates, TheBestFittingTemplateIsAppliedAndCounted)
+{
+    ModalScript script({ApplyWith([](Dialog* dialog) {
+                            ASSERT_TRUE(dialog->SelectTemplate(QStringLiteral("Mixamo")));
+                            EXPECT_FALSE(dialog->IsAutomatic());
+                            EXPECT_TRUE(dialog->GetMatchTypeBox()->isEnabled());
                             EXPECT_EQ(dialog->GetMatchType(), NameMatcher::Suffix);
                             EXPECT_EQ(dialog->GetScope(), Dialog::AllWithPrefix);
                             EXPECT_EQ(dialog->GetPrefixEdit()->text(), QStringLiteral("mixamorig:"));
@@ -57,22 +96,19 @@ TEST_F(Templates, TheBestFittingTemplateIsOfferedAppliedAndCounted)
                                       QStringLiteral("Match all bones with prefix:"));
                             EXPECT_EQ(dialog->GetScopeButton(Dialog::SelectedOnly)->text(),
                                       QStringLiteral("Match only selected bones"));
-                            EXPECT_GE(dialog->GetTemplateList()->count(), 10);
                         }),
                         ModalScript::Answer(QMessageBox::Ok)});
     tool->AutoMatch();
     ASSERT_TRUE(script.Done());
     const int mapped = Current().AssignedCount();
     EXPECT_GE(mapped, 60);
-    EXPECT_EQ(Current().GetBone(Node("LeftForeArm")), Rig("LeftForeArm"));
-    EXPECT_EQ(script.boxTitles, QStringList({"Apply Mapping Template"}));
     EXPECT_EQ(script.boxTexts.value(0),
               QStringLiteral("Template successfully applied.\n%1 nodes were mapped.").arg(mapped));
-    EXPECT_EQ(model->GetValidationState(), Valid) << model->GetValidationMessage();
 
     // Applying it again over a hand-made change maps nothing and moves no bone.
     model->AssignBones({{Node("Head"), QString()}, {Node("Neck"), Rig("Head")}});
-    ModalScript again({ApplyWith({}), ModalScript::Answer(QMessageBox::Ok)});
+    ModalScript again({ApplyWith([](Dialog* dialog) { dialog->SelectTemplate(QStringLiteral("Mixamo")); }),
+                       ModalScript::Answer(QMessageBox::Ok)});
     tool->AutoMatch();
     EXPECT_EQ(again.boxTexts.value(0), QStringLiteral("Template successfully applied.\n0 nodes were mapped."));
     EXPECT_EQ(Current().GetBone(Node("Neck")), Rig("Head"));
@@ -81,7 +117,10 @@ TEST_F(Templates, TheBestFittingTemplateIsOfferedAppliedAndCounted)
 
 TEST_F(Templates, TheSelectedScopeNeedsASelectionAndMapsOnlyIt)
 {
-    const auto selectedScope = [](Dialog* dialog) { dialog->GetScopeButton(Dialog::SelectedOnly)->click(); };
+    const auto selectedScope = [](Dialog* dialog) {
+        dialog->SelectTemplate(QStringLiteral("Mixamo"));
+        dialog->GetScopeButton(Dialog::SelectedOnly)->click();
+    };
     // Nothing selected: OK is refused with a message and the dialog stays open until the user cancels it.
     ModalScript refused({ApplyWith(selectedScope), ModalScript::Answer(QMessageBox::Ok), ModalScript::Reject()});
     tool->AutoMatch();
@@ -104,6 +143,7 @@ TEST_F(Templates, TheSelectedScopeNeedsASelectionAndMapsOnlyIt)
 TEST_F(Templates, TheMatchTypeIsRememberedForTheNextPanel)
 {
     ModalScript script({ApplyWith([](Dialog* dialog) {
+                            dialog->SelectTemplate(QStringLiteral("Mixamo"));
                             QComboBox* types = dialog->GetMatchTypeBox();
                             EXPECT_EQ(types->count(), 2);
                             types->setCurrentIndex(types->findText(QStringLiteral("Contains")));

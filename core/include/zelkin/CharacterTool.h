@@ -9,6 +9,7 @@
 #include <QWidget>
 
 #include <zelkin/CharacterizationExport.h>
+#include <zelkin/SkeletonRecognizer.h>
 
 class Characterization;
 class CharacterizationModel;
@@ -129,7 +130,10 @@ private:
 
     bool CanApplyTemplate();
     int ApplyTemplate(const QString& name, int matchType, bool selectedOnly, const QString& prefix);
-    void ReportApplied(int mapped);
+    // The recognized character holding the selection (else the first), after asking before nodes change bones.
+    int ApplyRecognized(const SkeletonRecognizer::Result& recognized,
+                        const std::vector<SkeletonRecognizer::Bone>& skeleton, bool selectedOnly);
+    void ReportApplied(int mapped, bool automatic);
     bool CanExtractTemplate();
     bool SaveTemplate(const QString& name, const QString& prefix);
     bool SaveConfiguration();

@@ -113,11 +113,21 @@ public:
     // none was found.
     int SelectedCharacter(const SkeletonRecognizer::Result& result,
                           const std::vector<SkeletonRecognizer::Bone>& bones) const;
-    // Gives the current characterization a recognized character's mapping in one batch. With `replace` every other
-    // node is cleared first; otherwise nodes and bones already in use keep what they have. The number of nodes that
-    // got a bone; -1 when the characterization cannot be edited.
+    // How a recognized mapping meets what the current characterization already holds.
+    enum class Merge
+    {
+        KeepExisting,     // only empty nodes get bones, and only bones no node holds
+        PreferRecognized, // the recognized nodes get their bones, taken from other nodes if need be
+        ReplaceAll        // the recognized mapping and nothing else
+    };
+    // Gives the current characterization a recognized character's mapping in one batch. The number of nodes that
+    // got a new bone; -1 when the characterization cannot be edited.
     int ApplyRecognition(const SkeletonRecognizer::Character& character,
-                         const std::vector<SkeletonRecognizer::Bone>& bones, bool replace);
+                         const std::vector<SkeletonRecognizer::Bone>& bones, Merge merge);
+    // How many nodes that hold a bone now would hold another one, or lose theirs, if the recognized mapping were
+    // preferred.
+    int RecognitionConflicts(const SkeletonRecognizer::Character& character,
+                             const std::vector<SkeletonRecognizer::Bone>& bones) const;
 
     // invertibleBone: an IDCCHub::InvertibleBone value.
     bool IsInverted(int invertibleBone) const;

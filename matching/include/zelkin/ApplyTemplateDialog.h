@@ -16,8 +16,9 @@ class QPushButton;
 class QRadioButton;
 class TemplateLibrary;
 
-// Asks which mapping template to apply, by which match type, and to which bones: all bones whose names start with a
-// prefix, or only the bones selected in the host. It only asks; the caller applies.
+// Asks how to map the skeleton: automatically from the skeleton itself (offered first), or by a mapping template
+// with a match type, for all bones whose names start with a prefix or only the bones selected in the host. It
+// only asks; the caller applies.
 class ZELKIN_CHARACTERIZATION_EXPORT ApplyTemplateDialog : public QDialog
 {
     Q_OBJECT
@@ -37,7 +38,11 @@ public:
     bool SelectTemplate(const QString& name);
     // Selects the template and says why under the list; an unknown name changes nothing.
     void Recommend(const QString& name, const QString& reason);
+    // Selects the automatic entry and says what it found.
+    void RecommendAutomatic(const QString& reason);
 
+    // The automatic entry is chosen; there is no template name then.
+    bool IsAutomatic() const;
     QString GetTemplateName() const;
     NameMatcher::MatchType GetMatchType() const;
     Scope GetScope() const;
@@ -59,6 +64,7 @@ private slots:
 private:
     void FillTemplates(const TemplateLibrary& library);
     QWidget* CreateScopeBox();
+    void ShowRecommendation(const QString& reason);
 
     QListWidget* mTemplates;
     QLabel* mRecommendation;
