@@ -106,7 +106,7 @@ SkeletonRecognizer::Result CharacterizationModel::RecognizeSkeleton(std::vector<
 }
 
 int CharacterizationModel::SelectedCharacter(const SkeletonRecognizer::Result& result,
-                                             const std::vector<SkeletonRecognizer::Bone>& bones) const
+                                             const std::vector<SkeletonRecognizer::Bone>& bones, bool orFirst) const
 {
     QStringList selection;
     if (mHub != nullptr)
@@ -124,7 +124,7 @@ int CharacterizationModel::SelectedCharacter(const SkeletonRecognizer::Result& r
             at = bones[size_t(at)].parent;
         }
     }
-    return result.characters.empty() ? -1 : 0;
+    return result.characters.empty() || !orFirst ? -1 : 0;
 }
 
 namespace
@@ -195,19 +195,25 @@ int CharacterizationModel::ApplyRecognition(const SkeletonRecognizer::Character&
 
 void CharacterizationModel::AutoMatch()
 {
-    QStringList sceneBones;
-    if (!IsEditable() || mHub == nullptr || !mHub->GetSceneBones(sceneBones) || sceneBones.isEmpty())
+    if (!IsEditable() || mHub == nullptr)
         return;
     std::vector<SkeletonRecognizer::Bone> bones;
     const SkeletonRecognizer::Result recognized = RecognizeSkeleton(bones);
     const int character = SelectedCharacter(recognized, bones);
     if (character >= 0)
-    {
         ApplyRecognition(recognized.characters[size_t(character)], bones, Merge::KeepExisting);
-        return;
-    }
+    else
+        ApplyBestTemplate();
+}
+
+int CharacterizationModel::ApplyBestTemplate()
+{
+    QStringList sceneBones;
+    if (!IsEditable() || mHub == nullptr || !mHub->GetSceneBones(sceneBones) || sceneBones.isEmpty())
+        return 0;
     const TemplateChooser::Result best = CreateTemplateChooser()->Choose(sceneBones, GetLeafBones(sceneBones));
     MappingTemplate chosen;
     if (best.IsValid() && GetTemplateLibrary().Load(best.templateName, chosen))
-        ApplyTemplate(chosen, GetMatchType(), sceneBones, QString());
+        return ApplyTemplate(chosen, GetMatchType(), sceneBones, QString());
+    return 0;
 }

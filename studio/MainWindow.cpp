@@ -159,6 +159,8 @@ void MainWindow::UpdateState()
     mDeleteAction->setEnabled(!selection.isEmpty());
     mLockAction->setChecked(model->IsLocked());
     mMirrorAction->setChecked(model->IsMirrorMode());
+    mAutoAction->setEnabled(mSession.HasSkeleton() && !model->IsLocked());
+    mAutoSelectedAction->setEnabled(mSession.HasSkeleton() && !model->IsLocked() && !selection.isEmpty());
     mViewActions[mViewport->GetViewMode()]->setChecked(true);
     const int page = mTool->currentViewTab();
     if (page == CharacterTool::FigurePage || page == CharacterTool::NameMatchPage)

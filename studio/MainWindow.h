@@ -54,6 +54,10 @@ public:
     RecentFiles& GetRecentFiles() const { return *mRecent; }
     QAction* GetUndoAction() const { return mUndoAction; }
     QAction* GetRedoAction() const { return mRedoAction; }
+    QAction* GetAutoCharacterizeAction(bool selectedCharacter) const
+    {
+        return selectedCharacter ? mAutoSelectedAction : mAutoAction;
+    }
 
 public slots:
     void OnOpenSkeleton();
@@ -66,6 +70,7 @@ public slots:
     void OnRenameBone();
     void OnDeleteBones();
     void OnNewCharacterization();
+    void OnAutoCharacterize(bool selectedCharacter);
     void OnToggleLock();
     void OnToggleMirror();
     void UpdateState();
@@ -123,6 +128,8 @@ private:
     QAction* mRenameAction = nullptr;
     QAction* mDeleteAction = nullptr;
     QAction* mLockAction = nullptr;
+    QAction* mAutoAction = nullptr;
+    QAction* mAutoSelectedAction = nullptr;
     QAction* mMirrorAction = nullptr;
     QAction* mViewActions[3] = {nullptr, nullptr, nullptr};
     QAction* mPageActions[2] = {nullptr, nullptr};

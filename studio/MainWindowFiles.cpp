@@ -252,6 +252,16 @@ void MainWindow::OnNewCharacterization()
                   tr("A characterization needs a name of its own: \"%1\" is empty or already taken.").arg(name));
 }
 
+void MainWindow::OnAutoCharacterize(bool selectedCharacter)
+{
+    QString message;
+    if (mSession.AutoCharacterize(selectedCharacter, message))
+        ShowStatus(message);
+    else
+        ShowError(tr("Auto Characterize"), message);
+    UpdateState();
+}
+
 void MainWindow::OnToggleLock()
 {
     SceneHub& hub = mSession.GetHub();

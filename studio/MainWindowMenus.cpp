@@ -105,6 +105,13 @@ void MainWindow::BuildCharacterMenu()
     AddAction(menu, tr("&Delete Characterization"), QKeySequence(),
               [&hub] { hub.DeleteCurrentCharacter(); });
     menu->addSeparator();
+    mAutoAction = AddAction(menu, tr("A&uto Characterize"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_A),
+                            [this] { OnAutoCharacterize(false); });
+    mAutoAction->setStatusTip(tr("Map the current characterization afresh from the skeleton's shape and names"));
+    mAutoSelectedAction = AddAction(menu, tr("Auto Characterize &Selected Character"), QKeySequence(),
+                                    [this] { OnAutoCharacterize(true); });
+    mAutoSelectedAction->setStatusTip(tr("Map the current characterization from the character that holds the "
+                                         "selected bones"));
     AddAction(menu, tr("&Auto Match with Template..."), QKeySequence(Qt::CTRL | Qt::Key_T),
               [&hub] { hub.ShowMapBones(); });
     mMirrorAction = AddAction(menu, tr("&Mirror Matching"), QKeySequence(Qt::CTRL | Qt::Key_M),

@@ -52,7 +52,7 @@ bool StudioSession::OpenSkeleton(const QString& path, const ImportProgress::Call
         AssignmentRecorder::Pause pause(mRecorder);
         ReplaceScene(scene);
         ResetCharacterizations({});
-        GetModel()->AutoMatch();
+        CharacterizeNewSkeleton();
         GetModel()->Validate();
     }
     mEdits.clear();
@@ -153,6 +153,66 @@ bool StudioSession::IsModified() const
     return StateSignature() != mSavedSignature;
 }
 
+bool StudioSession::AutoCharacterize(bool selectedCharacter, QString& message)
+{
+    CharacterizationModel* model = GetModel();
+    if (model == nullptr || !HasSkeleton())
+    {
+        message = tr("There is no skeleton to characterize: open one first.");
+        return false;
+    }
+    if (model->IsLocked())
+    {
+        message = tr("The current characterization is locked: unlock it to characterize it again.");
+        return false;
+    }
+    QStringList selection;
+    mHub.GetSelectedBones(selection);
+    if (selectedCharacter && selection.isEmpty())
+    {
+        message = tr("Select a bone of the character to characterize first.");
+        return false;
+    }
+    std::vector<SkeletonRecognizer::Bone> bones;
+    const SkeletonRecognizer::Result result = model->RecognizeSkeleton(bones);
+    int index = selectedCharacter ? model->SelectedCharacter(result, bones, false) : CurrentCharacter(result, bones);
+    if (index < 0 && !selectedCharacter)
+        index = model->SelectedCharacter(result, bones);
+    if (index < 0)
+    {
+        message = result.characters.empty() ? SkeletonRecognizer::NoHumanoidText(mScene.BoneCount())
+                                            : tr("The selected bones belong to no character found in the skeleton.");
+        return false;
+    }
+    const SkeletonRecognizer::Character& character = result.characters[size_t(index)];
+    model->ApplyRecognition(character, bones, CharacterizationModel::Merge::ReplaceAll);
+    message = tr("Auto Characterize: \"%1\" (%2) gave %3 nodes, confidence %4%.")
+                  .arg(bones[size_t(character.root)].name, SkeletonRecognizer::PoseKindName(character.pose))
+                  .arg(character.nodes.size())
+                  .arg(qRound(character.confidence * 100.0));
+    return true;
+}
+
+int StudioSession::CurrentCharacter(const SkeletonRecognizer::Result& result,
+                                    const std::vector<SkeletonRecognizer::Bone>& bones) const
+{
+    const std::shared_ptr<Characterization> current = GetModel()->GetCurrentCharacterization();
+    int best = -1;
+    int bestShared = 0;
+    for (size_t c = 0; current && c < result.characters.size(); ++c)
+    {
+        int shared = 0;
+        for (const SkeletonRecognizer::NodeMatch& match : result.characters[c].nodes)
+            shared += current->FindNode(bones[size_t(match.bone)].name) >= 0 ? 1 : 0;
+        if (shared > bestShared)
+        {
+            best = int(c);
+            bestShared = shared;
+        }
+    }
+    return best;
+}
+
 bool StudioSession::ApplyRename(const QString& bone, const QString& newName)
 {
     bool renamed = false;
@@ -224,6 +284,29 @@ void StudioSession::ReplaceScene(Scene& scene)
     mScene = std::move(scene);
     // The old selection went with the old scene.
     emit mHub.selectionChanged();
+}
+
+void StudioSession::CharacterizeNewSkeleton()
+{
+    CharacterizationModel* model = GetModel();
+    std::vector<SkeletonRecognizer::Bone> bones;
+    const SkeletonRecognizer::Result result = model->RecognizeSkeleton(bones);
+    if (result.characters.empty())
+    {
+        model->ApplyBestTemplate();
+        return;
+    }
+    // Several characters: each gets its own characterization, named after its root bone.
+    for (size_t c = 0; c < result.characters.size(); ++c)
+    {
+        const QString root = bones[size_t(result.characters[c].root)].name;
+        if (c > 0)
+            model->CreateCharacterization(model->IndexOf(root) < 0 ? root : model->NextCharacterizationName());
+        else if (result.characters.size() > 1)
+            mHub.RenameCharacterObject(model->GetCurrentCharacterization()->GetName(), root);
+        model->ApplyRecognition(result.characters[c], bones, CharacterizationModel::Merge::ReplaceAll);
+    }
+    model->SetCurrentCharacterization(0);
 }
 
 void StudioSession::ResetCharacterizations(const QStringList& names)

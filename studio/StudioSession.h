@@ -40,7 +40,8 @@ public:
     const QList<ProjectFile::BoneEdit>& GetEdits() const { return mEdits; }
 
     // Each returns false with the one message for the user in `error`; an empty error means the user cancelled.
-    // A new skeleton starts with one new characterization, auto matched with the template that fits it best.
+    // A new skeleton starts with one characterization for each humanoid found in it, or with one matched by the
+    // template that fits it best when none is found.
     bool OpenSkeleton(const QString& path, const ImportProgress::Callback& progress, QString& error);
     bool OpenProject(const QString& path, const ImportProgress::Callback& progress, QString& error);
     bool SaveProject(const QString& path, QString& error);
@@ -56,6 +57,11 @@ public:
 
     // Something the project would save differs from what was last opened or saved.
     bool IsModified() const;
+
+    // Maps the current characterization afresh from the skeleton, as one undoable step: the character it maps
+    // already (else the one holding the selection, else the first), or with `selectedCharacter` the one holding
+    // the selection. `message` says what was done, or why nothing was.
+    bool AutoCharacterize(bool selectedCharacter, QString& message);
 
     // For the undo commands: the scene edit itself, told to the model through the hub's signals, and the record
     // of edits the project keeps.
@@ -79,6 +85,10 @@ private:
                         QString& error) const;
     static bool ReplayEdits(const QList<ProjectFile::BoneEdit>& edits, Scene& scene, QString& error);
     void ReplaceScene(Scene& scene);
+    void CharacterizeNewSkeleton();
+    // The character most of the current characterization's bones belong to; -1 when none does.
+    int CurrentCharacter(const SkeletonRecognizer::Result& result,
+                         const std::vector<SkeletonRecognizer::Bone>& bones) const;
     // Drops every characterization and starts with new ones of these names (one default one when empty).
     void ResetCharacterizations(const QStringList& names);
     void RestoreEntries(const ProjectFile& project);

@@ -11,37 +11,13 @@
 #include <gtest/gtest.h>
 
 #include "CliProcess.h"
+#include "TwoCharacterBvh.h"
 
 namespace
 {
-// The sample skeleton's hierarchy, its joints renamed with `prefix` and its root made a joint `x` to the side.
-QByteArray SampleJoints(const QByteArray& prefix, double x, int& channels)
-{
-    const QByteArray sample = readFile(sampleSkeleton());
-    QByteArray joints = sample.mid(sample.indexOf("ROOT"), sample.indexOf("MOTION") - sample.indexOf("ROOT"));
-    joints.replace("ROOT ", "JOINT ");
-    joints = QString::fromUtf8(joints)
-                 .replace(QRegularExpression("JOINT (\\S+)"), "JOINT " + QString::fromUtf8(prefix) + "\\1")
-                 .toUtf8();
-    joints.replace("OFFSET 0.00 95.00 0.00", "OFFSET " + QByteArray::number(x) + " 95.00 0.00");
-    for (const QString& line : QString::fromUtf8(joints).split('\n'))
-        if (line.trimmed().startsWith("CHANNELS"))
-            channels += line.trimmed().section(' ', 1, 1).toInt();
-    return joints;
-}
-
-// Two copies of the sample standing side by side under one root.
 QString TwoCharacters(const QTemporaryDir& dir)
 {
-    int channels = 6;
-    QByteArray bvh = "HIERARCHY\nROOT Stage\n{\n  OFFSET 0 0 0\n  CHANNELS 6 Xposition Yposition Zposition Zrotation "
-                     "Xrotation Yrotation\n";
-    bvh += SampleJoints("A_", -80.0, channels);
-    bvh += SampleJoints("B_", 80.0, channels);
-    bvh += "}\nMOTION\nFrames: 1\nFrame Time: 0.0333333\n";
-    for (int i = 0; i < channels; ++i)
-        bvh += "0 ";
-    return writeFile(dir, "pair.bvh", bvh + "\n");
+    return writeFile(dir, "pair.bvh", TwoCharacterBvh());
 }
 
 QList<QJsonObject> JsonLines(const QByteArray& out)

@@ -102,6 +102,8 @@ public:
     TemplateLibrary GetTemplateLibrary() const;
     // The template that maps the most of the scene (required nodes first), over every scene bone.
     std::unique_ptr<TemplateChooser> CreateTemplateChooser() const;
+    // Applies that template to every scene bone; the number of nodes it mapped.
+    int ApplyBestTemplate();
     // Scene bones (in scene order) without children.
     QSet<QString> GetLeafBones(const QStringList& sceneBones) const;
 
@@ -109,10 +111,10 @@ public:
     // template library as one more reader of bone names. `bones` receives the skeleton as read. Nothing without a
     // hub.
     SkeletonRecognizer::Result RecognizeSkeleton(std::vector<SkeletonRecognizer::Bone>& bones) const;
-    // The character holding the first of the host's selected bones that belongs to one, else the first; -1 when
-    // none was found.
-    int SelectedCharacter(const SkeletonRecognizer::Result& result,
-                          const std::vector<SkeletonRecognizer::Bone>& bones) const;
+    // The character holding the first of the host's selected bones that belongs to one, else (with
+    // `orFirst`) the first; -1 when there is none.
+    int SelectedCharacter(const SkeletonRecognizer::Result& result, const std::vector<SkeletonRecognizer::Bone>& bones,
+                          bool orFirst = true) const;
     // How a recognized mapping meets what the current characterization already holds.
     enum class Merge
     {
