@@ -51,10 +51,12 @@ std::vector<Digits::Chain> Digits::ChainsBelow(int bone, double reach, int& carr
         for (int grandchild : mGraph.Children(child))
             if (usable(grandchild))
                 carried.push_back(grandchild);
-        // A palm bone carrying several fingers: the fingers are its children.
-        if (carried.size() >= 2 && carrier < 0)
+        // A palm bone carrying several fingers: the fingers are its children. Only one that carries the whole
+        // hand is the finger base; one of several palm bones is left as it is.
+        if (carried.size() >= 2)
         {
-            carrier = child;
+            if (carried.size() >= 3 && carrier < 0)
+                carrier = child;
             for (int finger : carried)
                 chains.push_back(MakeChain(finger));
         }
@@ -146,7 +148,13 @@ void Digits::Place(const Chain& chain, int wrist, bool hand, Side side, double c
         const Role role = NameEvidence::RoleOfNode(node, nodeSide);
         mBody.digits.push_back({node, bone, 0.8, certainty, mNames[bone].Support(role, nodeSide)});
     };
-    if (hand && chain.digit > 0 && chain.bones.size() >= 2)
+    // A bone named for the base of the fingers, as some capture rigs have between the hand and one finger.
+    if (hand && chain.bones.size() >= 2 && mNames[chain.bones[0]].Of(Role::FingerBase) >= 0.6f)
+    {
+        mBody.digits.push_back({left ? 21 : 22, chain.bones[0], 0.7, certainty, mNames[chain.bones[0]].Of(Role::FingerBase)});
+        start = 1;
+    }
+    else if (hand && chain.digit > 0 && chain.bones.size() >= 2)
     {
         const int base = chain.bones[0];
         const double knuckle = (mGraph.Position(chain.bones[1]) - mGraph.Position(base)).norm();

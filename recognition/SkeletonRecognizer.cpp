@@ -1,7 +1,8 @@
 // Recognizing humanoids, step by step:
 //   1. read the skeleton: joints, what hangs below each bone, and (when asked) what each name says;
 //   2. find trunks: two mirrored legs pointing down below two mirrored arms on an upright spine;
-//   3. align each limb: clavicle, upper arm, forearm and hand; thigh, shin, foot and toe;
+//   3. align each limb: clavicle, upper arm, forearm and hand; thigh, shin, foot and toe (a foot parented
+//      elsewhere found where the shin ends);
 //   4. the middle: hips, spine, neck and head;
 //   5. the character's own frame, and which limbs are the left ones;
 //   6. fingers and toes;
@@ -24,6 +25,51 @@
 
 namespace
 {
+// A foot parented elsewhere (to the root, say) still stands where the shin ends: about as far below the knee as
+// the knee is below the hip. The leg then goes on through it, and the body's size is measured again.
+void AttachDetachedFeet(const SkeletonGraph& graph, const NameEvidence& names, Body& body)
+{
+    std::vector<bool> taken(size_t(graph.Count()), false);
+    for (const Limb* limb : {&body.legs[0], &body.legs[1], &body.arms[0], &body.arms[1]})
+        for (int bone : limb->path)
+            taken[size_t(bone)] = true;
+    bool attached = false;
+    for (Limb& leg : body.legs)
+    {
+        std::vector<int> joints;
+        for (int bone : leg.path)
+            if (!names.IsEndMarker(bone))
+                joints.push_back(bone);
+        if (joints.size() != 2)
+            continue;
+        const Vec3 knee = graph.Position(joints[1]);
+        const Vec3 ankle = 2.0 * knee - graph.Position(joints[0]);
+        double nearest = 0.25 * (knee - graph.Position(joints[0])).norm();
+        int foot = -1;
+        for (int bone = 0; bone < graph.Count(); ++bone)
+        {
+            const double distance = (graph.Position(bone) - ankle).norm();
+            if (distance < nearest && !taken[size_t(bone)] && !names.IsAccessory(bone) && !names.IsEndMarker(bone))
+            {
+                nearest = distance;
+                foot = bone;
+            }
+        }
+        if (foot < 0)
+            continue;
+        leg.path = joints;
+        for (int bone : graph.MainPath(foot))
+            leg.path.push_back(bone);
+        leg.end = graph.End(leg.path.back());
+        attached = true;
+    }
+    if (attached)
+    {
+        const Vec3 top = 0.5 * (graph.Position(body.legs[0].path.front()) + graph.Position(body.legs[1].path.front()));
+        body.scale = (top - 0.5 * (body.legs[0].end + body.legs[1].end)).norm();
+    }
+}
+
 bool AlignLimbs(const SkeletonGraph& graph, const NameEvidence& names, Body& body)
 {
     const LimbAlignment alignment(graph, names, body);
@@ -73,6 +119,7 @@ SkeletonRecognizer::Result SkeletonRecognizer::Recognize(const std::vector<Bone>
     std::vector<Body> bodies;
     for (Body& body : TrunkSearch(graph, names).Find())
     {
+        AttachDetachedFeet(graph, names, body);
         if (!AlignLimbs(graph, names, body))
             continue;
         CentralChain(graph, names, body).Find();

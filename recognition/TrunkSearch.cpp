@@ -10,7 +10,8 @@ namespace
 {
 constexpr int kPathLimit = 24;       // no limb of a body has more joints on its main path
 constexpr int kBranchesPerBone = 8;  // the longest branches of a bone are the ones worth pairing
-constexpr size_t kPairLimit = 48;
+constexpr size_t kPairsPerBone = 6;  // a head of hair holds many alike pairs; the limbs are elsewhere
+constexpr size_t kPairLimit = 64;
 constexpr double kMinLikeness = 0.3;
 constexpr double kNoRival = 10.0;
 
@@ -113,15 +114,19 @@ std::vector<TrunkSearch::Pair> TrunkSearch::FindPairs() const
         if (mGraph.Children(bone).size() < 2)
             continue;
         const std::vector<Limb> branches = Branches(bone);
+        std::vector<Pair> own;
         for (size_t i = 0; i < branches.size(); ++i)
         {
             for (size_t j = i + 1; j < branches.size(); ++j)
             {
                 const double likeness = Likeness(branches[i], branches[j]);
                 if (likeness >= kMinLikeness)
-                    pairs.push_back({branches[i], branches[j], likeness});
+                    own.push_back({branches[i], branches[j], likeness});
             }
         }
+        std::stable_sort(own.begin(), own.end(), [](const Pair& x, const Pair& y) { return x.likeness > y.likeness; });
+        own.resize(std::min(own.size(), kPairsPerBone));
+        pairs.insert(pairs.end(), own.begin(), own.end());
     }
     // Long, well-mirrored pairs first; a large scene's hair and cloth pairs beyond the limit are never limbs.
     std::stable_sort(pairs.begin(), pairs.end(), [](const Pair& x, const Pair& y) {

@@ -27,6 +27,7 @@ struct Options
     bool inlineTwists = false;
     bool leafTwists = false;
     bool ikTargets = false;
+    bool detachedFeet = false; // the feet hang from the root, not from the shins
     bool neck = true;
     bool head = true;
     int fingers = 5; // with the thumb; 0 for none
@@ -120,7 +121,7 @@ private:
         if (options.leafTwists)
             Add("ThighTwist_" + p, thigh, s * 0.09, 0.8, 0.003, side == 0 ? 172 : 174);
         const int knee = Add("Calf_" + p, kneeParent, s * 0.09, 0.52, 0.01, side == 0 ? 3 : 6);
-        const int foot = Add("Foot_" + p, knee, s * 0.09, 0.09, -0.02, side == 0 ? 4 : 7);
+        const int foot = Add("Foot_" + p, options.detachedFeet ? 0 : knee, s * 0.09, 0.09, -0.02, side == 0 ? 4 : 7);
         const int toe = Add("Toe_" + p, foot, s * 0.09, 0.0, 0.09, side == 0 ? 16 : 17);
         Add("Toe_End_" + p, toe, s * 0.09, 0.0, 0.17);
     }
@@ -237,6 +238,14 @@ TEST_F(HierarchyRulesTest, TwistBonesInsideAndBesideTheLimbsBecomeRollBones)
     Options beside;
     beside.leafTwists = true;
     Check(Made(beside), Recognize(Made(beside)), "leaf twists");
+}
+
+TEST_F(HierarchyRulesTest, FeetParentedElsewhereAreFoundWhereTheShinsEnd)
+{
+    Options options;
+    options.detachedFeet = true;
+    options.ikTargets = true; // IK targets stand at the ankles too, but are no feet
+    Check(Made(options), Recognize(Made(options)), "detached feet");
 }
 
 TEST_F(HierarchyRulesTest, TargetsEndsFaceAndRootsStayUnmapped)
