@@ -102,7 +102,8 @@ bool MainWindow::ConcludeOpen(bool opened, const QString& path, const QString& t
     ShowStatus(tr("Opened %1: %2 bones, %3 nodes mapped.")
                    .arg(QFileInfo(path).fileName())
                    .arg(mSession.GetScene().BoneCount())
-                   .arg(current ? current->AssignedCount() : 0));
+                   .arg(current ? current->AssignedCount() : 0) +
+               (mSession.GetOpeningSummary().isEmpty() ? QString() : QLatin1Char(' ') + mSession.GetOpeningSummary()));
     UpdateState();
     return true;
 }

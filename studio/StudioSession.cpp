@@ -77,6 +77,7 @@ bool StudioSession::OpenProject(const QString& path, const ImportProgress::Callb
         return false;
     }
     // Everything was checked: from here on nothing can fail half-way.
+    mOpeningSummary.clear();
     {
         AssignmentRecorder::Pause pause(mRecorder);
         ReplaceScene(scene);
@@ -293,7 +294,9 @@ void StudioSession::CharacterizeNewSkeleton()
     const SkeletonRecognizer::Result result = model->RecognizeSkeleton(bones);
     if (result.characters.empty())
     {
-        model->ApplyBestTemplate();
+        const int mapped = model->ApplyBestTemplate();
+        mOpeningSummary = SkeletonRecognizer::NoHumanoidText(mScene.BoneCount()) + QLatin1Char(' ') +
+                          tr("The best fitting template mapped %1 nodes.").arg(mapped);
         return;
     }
     // Several characters: each gets its own characterization, named after its root bone.
@@ -307,6 +310,14 @@ void StudioSession::CharacterizeNewSkeleton()
         model->ApplyRecognition(result.characters[c], bones, CharacterizationModel::Merge::ReplaceAll);
     }
     model->SetCurrentCharacterization(0);
+    const SkeletonRecognizer::Character& first = result.characters.front();
+    const int found = int(result.characters.size());
+    mOpeningSummary = (found == 1 ? tr("One character found; ") : tr("%1 characters found; ").arg(found)) +
+                      tr("\"%1\": %2 nodes mapped (%3, confidence %4%).")
+                          .arg(model->GetCurrentCharacterization()->GetName())
+                          .arg(model->GetCurrentCharacterization()->AssignedCount())
+                          .arg(SkeletonRecognizer::PoseKindName(first.pose))
+                          .arg(qRound(first.confidence * 100.0));
 }
 
 void StudioSession::ResetCharacterizations(const QStringList& names)

@@ -62,6 +62,8 @@ public:
     // already (else the one holding the selection, else the first), or with `selectedCharacter` the one holding
     // the selection. `message` says what was done, or why nothing was.
     bool AutoCharacterize(bool selectedCharacter, QString& message);
+    // How the last skeleton opened was characterized, for the status bar.
+    const QString& GetOpeningSummary() const { return mOpeningSummary; }
 
     // For the undo commands: the scene edit itself, told to the model through the hub's signals, and the record
     // of edits the project keeps.
@@ -106,4 +108,5 @@ private:
     QList<ProjectFile::BoneEdit> mEdits;
     QString mProjectPath;
     QByteArray mSavedSignature;
+    QString mOpeningSummary;
 };
