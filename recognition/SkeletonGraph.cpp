@@ -16,7 +16,7 @@ Vec3 Finite(const SkeletonRecognizer::Vector& v)
 SkeletonGraph::SkeletonGraph(const std::vector<SkeletonRecognizer::Bone>& bones)
 {
     ReadBones(bones);
-    MeasureSubtrees();
+    MeasureSubtrees({});
     NumberVisits();
 }
 
@@ -51,7 +51,12 @@ void SkeletonGraph::ReadBones(const std::vector<SkeletonRecognizer::Bone>& bones
     mExtent = count > 0 ? (high - low).norm() : 0.0;
 }
 
-void SkeletonGraph::MeasureSubtrees()
+void SkeletonGraph::IgnoreInChains(const std::function<bool(int)>& ignored)
+{
+    MeasureSubtrees(ignored);
+}
+
+void SkeletonGraph::MeasureSubtrees(const std::function<bool(int)>& ignored)
 {
     const int count = Count();
     mSubtreeSize.assign(count, 1);
@@ -60,9 +65,12 @@ void SkeletonGraph::MeasureSubtrees()
     // Children come after their parents, so one backward sweep sees every child before its parent.
     for (int bone = count - 1; bone >= 0; --bone)
     {
+        const bool choice = mChildren[bone].size() > 1 && ignored;
         for (int child : mChildren[bone])
         {
             mSubtreeSize[bone] += mSubtreeSize[child];
+            if (choice && ignored(child))
+                continue;
             const double length = (mPosition[child] - mPosition[bone]).norm() + mChainLength[child];
             // Ties go to the earlier child, so the result never depends on anything but the bone order.
             if (mChainChild[bone] < 0 || length > mChainLength[bone] + 1e-12)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include <Eigen/Core>
@@ -28,6 +29,9 @@ public:
     bool HasSkinInformation() const { return mSkinKnown; }
 
     int SubtreeSize(int bone) const { return mSubtreeSize[bone]; }
+    // Measures the chains again without the branches `ignored` names (asked only where a bone has a choice): a
+    // weapon in a hand or a twist bone beside an arm must not make a limb's main path.
+    void IgnoreInChains(const std::function<bool(int)>& ignored);
     // Length of the longest joint-to-joint path from the bone down, and the child it runs through (-1 at a leaf).
     double ChainLength(int bone) const { return mChainLength[bone]; }
     int ChainChild(int bone) const { return mChainChild[bone]; }
@@ -45,7 +49,7 @@ public:
 
 private:
     void ReadBones(const std::vector<SkeletonRecognizer::Bone>& bones);
-    void MeasureSubtrees();
+    void MeasureSubtrees(const std::function<bool(int)>& ignored);
     void NumberVisits();
 
     std::vector<int> mParent;

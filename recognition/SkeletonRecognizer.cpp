@@ -113,8 +113,9 @@ SkeletonRecognizer::~SkeletonRecognizer() = default;
 
 SkeletonRecognizer::Result SkeletonRecognizer::Recognize(const std::vector<Bone>& bones) const
 {
-    const SkeletonGraph graph(bones);
+    SkeletonGraph graph(bones);
     const NameEvidence names(bones, graph, mTemplates.get());
+    graph.IgnoreInChains([&names](int bone) { return names.IsAccessory(bone); });
 
     std::vector<Body> bodies;
     for (Body& body : TrunkSearch(graph, names).Find())

@@ -28,6 +28,7 @@ struct Options
     bool leafTwists = false;
     bool ikTargets = false;
     bool detachedFeet = false; // the feet hang from the root, not from the shins
+    bool weapon = false;       // a long sword held in the right hand
     bool neck = true;
     bool head = true;
     int fingers = 5; // with the thumb; 0 for none
@@ -152,6 +153,11 @@ private:
         const int elbow = Add("ForeArm_" + p, elbowParent, e[0], e[1], e[2], side == 0 ? 10 : 13);
         const auto w = at(0.55, 1.45, 0);
         const int wrist = Add("Hand_" + p, elbow, w[0], w[1], w[2], side == 0 ? 11 : 14);
+        if (options.weapon && side == 1)
+        {
+            const int grip = Add("Weapon_R", wrist, w[0] - 0.05, w[1], w[2] + 0.05);
+            Add("Weapon_R_Tip", grip, w[0] - 0.05, w[1], w[2] + 1.2);
+        }
         // Thumb, index, middle, ring, pinky: bases across the palm from the front.
         static const double across[] = {0.035, 0.02, 0.0, -0.02, -0.04};
         static const char* const names[] = {"Thumb", "Index", "Middle", "Ring", "Pinky"};
@@ -252,9 +258,11 @@ TEST_F(HierarchyRulesTest, TargetsEndsFaceAndRootsStayUnmapped)
 {
     Options options;
     options.ikTargets = true;
+    options.weapon = true;
     const Builder built = Made(options);
     const SkeletonRecognizer::Result result = Recognize(built);
-    Check(built, result, "IK targets");
+    Check(built, result, "IK targets and a sword");
+    EXPECT_EQ(ReasonFor(built, result, "Weapon_R"), SkeletonRecognizer::LeftOut::Prop);
     using LeftOut = SkeletonRecognizer::LeftOut;
     EXPECT_EQ(ReasonFor(built, result, "ik_foot_l"), LeftOut::Helper);
     EXPECT_EQ(ReasonFor(built, result, "HeadTop_End"), LeftOut::EndMarker);
