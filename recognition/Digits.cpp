@@ -30,6 +30,9 @@ Digits::Chain Digits::MakeChain(int first) const
         if (!mNames.IsEndMarker(bone))
             chain.bones.push_back(bone);
     chain.base = mGraph.Position(first);
+    chain.centre = Vec3::Zero();
+    for (int bone : chain.bones)
+        chain.centre += mGraph.Position(bone) / double(chain.bones.size());
     Vec3 direction = chain.bones.size() >= 2 ? Vec3(mGraph.Position(chain.bones[1]) - chain.base)
                                              : Vec3(mGraph.End(first) - chain.base);
     if (direction.norm() <= 1e-12)
@@ -76,7 +79,7 @@ std::vector<Digits::Chain> Digits::ChainsBelow(int bone, double reach, int& carr
     return chains;
 }
 
-int Digits::FindThumb(const std::vector<Chain>& chains, const Vec3& along, double& margin) const
+int Digits::FindThumb(const std::vector<Chain>& chains, const Vec3& wrist, const Vec3& along, double& margin) const
 {
     margin = 0.0;
     Vec3 centre = Vec3::Zero();
@@ -84,18 +87,23 @@ int Digits::FindThumb(const std::vector<Chain>& chains, const Vec3& along, doubl
         centre += chain.base;
     centre /= double(chains.size());
     double spread = 1e-12;
+    double farthest = 1e-12;
     for (const Chain& chain : chains)
+    {
         spread = std::max(spread, (chain.base - centre).norm());
+        farthest = std::max(farthest, (chain.base - wrist).norm());
+    }
     int best = -1;
     double bestScore = -1e300;
     double second = -1e300;
     for (size_t i = 0; i < chains.size(); ++i)
     {
         const NameReading& name = mNames[chains[i].bones.front()];
-        // The thumb leaves the forearm's line and sits toward the front of the hand.
+        // The thumb leaves the forearm's line, starts nearest the wrist and sits toward the front of the hand.
         const double leaving = 1.0 - chains[i].direction.dot(along);
         const double forward = (chains[i].base - centre).dot(mBody.facing) / spread;
-        const double score = leaving + 0.3 * forward + 1.5 * name.Support(Role::Thumb) -
+        const double near = 1.0 - (chains[i].base - wrist).norm() / farthest;
+        const double score = leaving + 0.3 * forward + 0.5 * near + 1.5 * name.Support(Role::Thumb) -
                              std::max(0.0f, name.Support({Role::Index, Role::Middle, Role::Ring, Role::Pinky}));
         if (score > bestScore)
         {
@@ -112,7 +120,8 @@ int Digits::FindThumb(const std::vector<Chain>& chains, const Vec3& along, doubl
     if (chains.size() == 1)
         return named ? best : -1;
     margin = bestScore - second;
-    return named || margin >= 0.1 ? best : -1;
+    // Five fingers have a thumb among them, however alike they look.
+    return named || margin >= 0.1 || chains.size() >= 5 ? best : -1;
 }
 
 bool Digits::NamedDigits(std::vector<Chain>& chains) const
@@ -186,7 +195,7 @@ void Digits::ReadHand(const Limb& arm)
     if (chains.empty())
         return;
     double margin = 0.0;
-    const int thumb = FindThumb(chains, along, margin);
+    const int thumb = FindThumb(chains, mGraph.Position(wrist), along, margin);
     std::vector<Chain> others;
     Vec3 centre = Vec3::Zero();
     for (size_t i = 0; i < chains.size(); ++i)
@@ -203,7 +212,7 @@ void Digits::ReadHand(const Limb& arm)
         // Across the palm from the thumb's side, which faces forward when there is no thumb.
         Vec3 across = Across(thumb >= 0 ? Vec3(chains[thumb].base - centre) : mBody.facing, along);
         std::stable_sort(others.begin(), others.end(), [&](const Chain& a, const Chain& b) {
-            return (a.base - centre).dot(across) > (b.base - centre).dot(across);
+            return (a.centre - centre).dot(across) > (b.centre - centre).dot(across);
         });
         for (size_t i = 0; i < others.size(); ++i)
             others[i].digit = std::min(int(i) + 1, kDigitCount - 1);

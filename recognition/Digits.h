@@ -24,6 +24,7 @@ private:
     {
         std::vector<int> bones;
         Vec3 base;
+        Vec3 centre; // of all its joints: orders fingers more surely than their bases alone
         Vec3 direction;
         int digit = -1; // 0 thumb to 5 extra finger
     };
@@ -32,7 +33,7 @@ private:
     std::vector<Chain> ChainsBelow(int bone, double reach, int& carrier) const;
     Chain MakeChain(int first) const;
     // Which chain is the thumb (-1: none), and how sure.
-    int FindThumb(const std::vector<Chain>& chains, const Vec3& along, double& margin) const;
+    int FindThumb(const std::vector<Chain>& chains, const Vec3& wrist, const Vec3& along, double& margin) const;
     // Orders the chains across the hand from `first`'s side; names override when they tell every finger apart.
     bool NamedDigits(std::vector<Chain>& chains) const;
     void Place(const Chain& chain, int wrist, bool hand, Side side, double certainty);

@@ -22,13 +22,16 @@ double LogMiss(double value, double ideal)
     return value > 0.0 && ideal > 0.0 ? std::abs(std::log(value / ideal)) : 5.0;
 }
 
-double DistanceToLine(const Vec3& point, const Vec3& from, const Vec3& to)
+// A joint between two chosen ones that lies on their line, well inside it, as a twist bone does: one near either
+// end is a joint of its own (a buttock bone above the thigh).
+bool Inline(const Vec3& point, const Vec3& from, const Vec3& to)
 {
     const Vec3 line = to - from;
     const double length = line.norm();
     if (length <= 0.0)
-        return (point - from).norm();
-    return line.cross(point - from).norm() / length;
+        return false;
+    const double along = (point - from).dot(line) / (length * length);
+    return line.cross(point - from).norm() / length < 0.05 * length && along > 0.15 && along < 0.85;
 }
 } // namespace
 
@@ -66,9 +69,7 @@ double LimbAlignment::SkipCost(const std::vector<int>& path, int from, int to) c
     double cost = 0.0;
     for (int i = from + 1; i < to; ++i)
     {
-        const double span = (mGraph.Position(path[to]) - mGraph.Position(path[from])).norm();
-        const bool onLine = DistanceToLine(mGraph.Position(path[i]), mGraph.Position(path[from]),
-                                           mGraph.Position(path[to])) < 0.05 * span;
+        const bool onLine = Inline(mGraph.Position(path[i]), mGraph.Position(path[from]), mGraph.Position(path[to]));
         const NameReading& reading = mNames[path[i]];
         if (reading.Of(Role::Twist) >= 0.6f || reading.Of(Role::Helper) >= 0.8f)
             cost += 0.05;
@@ -82,9 +83,7 @@ int LimbAlignment::RollBetween(const std::vector<int>& path, int from, int to) c
 {
     for (int i = from + 1; i < to; ++i)
     {
-        const double span = (mGraph.Position(path[to]) - mGraph.Position(path[from])).norm();
-        const bool onLine = DistanceToLine(mGraph.Position(path[i]), mGraph.Position(path[from]),
-                                           mGraph.Position(path[to])) < 0.05 * span;
+        const bool onLine = Inline(mGraph.Position(path[i]), mGraph.Position(path[from]), mGraph.Position(path[to]));
         const NameReading& reading = mNames[path[i]];
         if (reading.Of(Role::Twist) >= 0.6f || (onLine && reading.Of(Role::Helper) < 0.8f))
             return path[i];
