@@ -59,26 +59,29 @@ bool CentralChain::IsPassThrough(int bone, int child) const
 void CentralChain::ChooseHips()
 {
     const int legParent = mBody.legs[0].parent;
+    const auto fromThighs = [this](int bone) { return (mGraph.Position(bone) - mThighs).norm() / mBody.scale; };
+    // The bone that holds legs and arms, or a pass-through bone above it that stands nearer the thighs (legs that
+    // hang from the first spine bone leave the hips one or two bones up).
+    int holder = mBody.top;
     std::vector<int> candidates = {mBody.top};
-    if (legParent != mBody.top)
-        candidates.push_back(legParent);
-    // Legs that hang from the first spine bone leave the hips one or two bones up.
     for (int at = mBody.top, up = 0; up < 2 && mGraph.Parent(at) >= 0 && IsPassThrough(mGraph.Parent(at), at); ++up)
     {
         at = mGraph.Parent(at);
         candidates.push_back(at);
+        if (fromThighs(at) < fromThighs(holder) - 0.03)
+            holder = at;
     }
-    const double topDistance = (mGraph.Position(mBody.top) - mThighs).norm() / mBody.scale;
+    if (legParent != mBody.top)
+        candidates.push_back(legParent);
     double best = -1e300;
     double second = -1e300;
     for (int candidate : candidates)
     {
-        const double distance = (mGraph.Position(candidate) - mThighs).norm() / mBody.scale;
-        double score = -3.0 * std::max(0.0, distance - kHipsReach) + mNames[candidate].Support(Role::Hips);
-        if (candidate == mBody.top)
+        double score = -3.0 * std::max(0.0, fromThighs(candidate) - kHipsReach) + mNames[candidate].Support(Role::Hips);
+        if (candidate == holder)
             score += 0.5;
         else if (candidate == legParent)
-            score += topDistance > kHipsReach ? 0.3 : 0.0;
+            score += fromThighs(holder) > kHipsReach ? 0.3 : 0.0;
         if (score > best)
         {
             second = best;

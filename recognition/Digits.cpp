@@ -23,20 +23,30 @@ Digits::Digits(const SkeletonGraph& graph, const NameEvidence& names, Body& body
 {
 }
 
-Digits::Chain Digits::MakeChain(int first) const
+Digits::Chain Digits::MakeChain(int first, int wrist) const
 {
     Chain chain;
     for (int bone : mGraph.MainPath(first))
         if (!mNames.IsEndMarker(bone))
             chain.bones.push_back(bone);
-    chain.base = mGraph.Position(first);
+    if (chain.bones.empty())
+        return chain;
+    // A first bone that starts at the wrist, ahead of three more, runs through the palm.
+    if (chain.bones.size() >= 2)
+    {
+        const Vec3 start = mGraph.Position(chain.bones[0]);
+        const double knuckle = (mGraph.Position(chain.bones[1]) - start).norm();
+        chain.metacarpal = mNames[chain.bones[0]].Of(Role::Metacarpal) >= 0.6f ||
+                           (chain.bones.size() >= 4 && (start - mGraph.Position(wrist)).norm() < 0.5 * knuckle);
+    }
+    const size_t from = chain.metacarpal ? 1 : 0;
+    chain.base = mGraph.Position(chain.bones[from]);
     chain.centre = Vec3::Zero();
-    for (int bone : chain.bones)
-        chain.centre += mGraph.Position(bone) / double(chain.bones.size());
-    Vec3 direction = chain.bones.size() >= 2 ? Vec3(mGraph.Position(chain.bones[1]) - chain.base)
-                                             : Vec3(mGraph.End(first) - chain.base);
+    for (size_t i = from; i < chain.bones.size(); ++i)
+        chain.centre += mGraph.Position(chain.bones[i]) / double(chain.bones.size() - from);
+    Vec3 direction = mGraph.End(chain.bones.back()) - chain.base;
     if (direction.norm() <= 1e-12)
-        direction = chain.base - mGraph.Position(mGraph.Parent(first));
+        direction = chain.base - mGraph.Position(wrist);
     chain.direction = direction.norm() > 1e-12 ? direction.normalized() : Vec3::Zero();
     return chain;
 }
@@ -61,11 +71,11 @@ std::vector<Digits::Chain> Digits::ChainsBelow(int bone, double reach, int& carr
             if (carried.size() >= 3 && carrier < 0)
                 carrier = child;
             for (int finger : carried)
-                chains.push_back(MakeChain(finger));
+                chains.push_back(MakeChain(finger, bone));
         }
         else
         {
-            chains.push_back(MakeChain(child));
+            chains.push_back(MakeChain(child, bone));
         }
     }
     // A weapon or a long helper held in the hand is no finger.
@@ -76,6 +86,12 @@ std::vector<Digits::Chain> Digits::ChainsBelow(int bone, double reach, int& carr
                                            (mGraph.End(chain.bones.back()) - origin).norm() > reach;
                                 }),
                  chains.end());
+    // Nor, beside real fingers, is a lone joint that goes nowhere (a dummy to hold things by).
+    const auto goesNowhere = [this](const Chain& chain) {
+        return chain.bones.size() == 1 && !mGraph.HasTip(chain.bones[0]);
+    };
+    if (std::count_if(chains.begin(), chains.end(), [&](const Chain& chain) { return !goesNowhere(chain); }) >= 3)
+        chains.erase(std::remove_if(chains.begin(), chains.end(), goesNowhere), chains.end());
     return chains;
 }
 
@@ -146,7 +162,7 @@ bool Digits::NamedDigits(std::vector<Chain>& chains) const
     return true;
 }
 
-void Digits::Place(const Chain& chain, int wrist, bool hand, Side side, double certainty)
+void Digits::Place(const Chain& chain, bool hand, Side side, double certainty)
 {
     const bool left = side == Side::Left;
     const int first = hand ? (left ? 50 : 74) : (left ? 98 : 122);
@@ -163,16 +179,10 @@ void Digits::Place(const Chain& chain, int wrist, bool hand, Side side, double c
         mBody.digits.push_back({left ? 21 : 22, chain.bones[0], 0.7, certainty, mNames[chain.bones[0]].Of(Role::FingerBase)});
         start = 1;
     }
-    else if (hand && chain.digit > 0 && chain.bones.size() >= 2)
+    else if (hand && chain.digit > 0 && chain.metacarpal)
     {
-        const int base = chain.bones[0];
-        const double knuckle = (mGraph.Position(chain.bones[1]) - mGraph.Position(base)).norm();
-        const bool nearWrist = (mGraph.Position(base) - mGraph.Position(wrist)).norm() < 0.5 * knuckle;
-        if (mNames[base].Of(Role::Metacarpal) >= 0.6f || (chain.bones.size() >= 4 && nearWrist))
-        {
-            place(inner + chain.digit, base);
-            start = 1;
-        }
+        place(inner + chain.digit, chain.bones[0]);
+        start = 1;
     }
     for (size_t i = start; i < chain.bones.size(); ++i)
     {
@@ -221,10 +231,10 @@ void Digits::ReadHand(const Limb& arm)
     if (thumb >= 0)
     {
         chains[thumb].digit = 0;
-        Place(chains[thumb], wrist, true, arm.side, certainty);
+        Place(chains[thumb], true, arm.side, certainty);
     }
     for (size_t i = 0; i < others.size() && int(i) < kDigitCount - 1; ++i)
-        Place(others[i], wrist, true, arm.side, certainty);
+        Place(others[i], true, arm.side, certainty);
     if (carrier >= 0)
         mBody.digits.push_back({arm.side == Side::Left ? 21 : 22, carrier, 0.7, 0.6,
                                 mNames[carrier].Support({Role::FingerBase, Role::Hand, Role::Metacarpal})});
@@ -246,6 +256,6 @@ void Digits::ReadFoot(const Limb& leg)
     for (size_t i = 0; i < chains.size() && int(i) < kDigitCount; ++i)
     {
         chains[i].digit = int(i);
-        Place(chains[i], host, false, leg.side, 0.7);
+        Place(chains[i], false, leg.side, 0.7);
     }
 }

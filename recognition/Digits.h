@@ -23,20 +23,21 @@ private:
     struct Chain
     {
         std::vector<int> bones;
-        Vec3 base;
-        Vec3 centre; // of all its joints: orders fingers more surely than their bases alone
-        Vec3 direction;
-        int digit = -1; // 0 thumb to 5 extra finger
+        bool metacarpal = false; // the first bone runs through the palm; the finger starts at the second
+        Vec3 base;               // where the finger starts
+        Vec3 centre;             // of the finger's joints: orders fingers more surely than their bases alone
+        Vec3 direction;          // from its start to its end
+        int digit = -1;          // 0 thumb to 5 extra finger
     };
 
     // The finger-like chains below a bone; a bone near it that carries several of them is taken through.
     std::vector<Chain> ChainsBelow(int bone, double reach, int& carrier) const;
-    Chain MakeChain(int first) const;
+    Chain MakeChain(int first, int wrist) const;
     // Which chain is the thumb (-1: none), and how sure.
     int FindThumb(const std::vector<Chain>& chains, const Vec3& wrist, const Vec3& along, double& margin) const;
     // Orders the chains across the hand from `first`'s side; names override when they tell every finger apart.
     bool NamedDigits(std::vector<Chain>& chains) const;
-    void Place(const Chain& chain, int wrist, bool hand, Side side, double certainty);
+    void Place(const Chain& chain, bool hand, Side side, double certainty);
 
     const SkeletonGraph& mGraph;
     const NameEvidence& mNames;

@@ -44,8 +44,16 @@ std::vector<int> LimbAlignment::Joints(const Limb& limb) const
 {
     std::vector<int> joints;
     for (int bone : limb.path)
-        if (!mNames.IsEndMarker(bone) && int(joints.size()) < kJointLimit)
+    {
+        if (mNames.IsEndMarker(bone))
+            continue;
+        // A helper parent or cancel bone that only passes on to a joint at its own place: the joint plays the part.
+        if (!joints.empty() && mGraph.Children(joints.back()).size() == 1 &&
+            (mGraph.Position(bone) - mGraph.Position(joints.back())).norm() < 0.005 * mBody.scale)
+            joints.pop_back();
+        if (int(joints.size()) < kJointLimit)
             joints.push_back(bone);
+    }
     return joints;
 }
 
@@ -67,11 +75,16 @@ bool LimbAlignment::FansOut(int bone) const
 double LimbAlignment::SkipCost(const std::vector<int>& path, int from, int to) const
 {
     double cost = 0.0;
+    const double span = (mGraph.Position(path[to]) - mGraph.Position(path[from])).norm();
     for (int i = from + 1; i < to; ++i)
     {
-        const bool onLine = Inline(mGraph.Position(path[i]), mGraph.Position(path[from]), mGraph.Position(path[to]));
+        const Vec3 at = mGraph.Position(path[i]);
+        const bool onLine = Inline(at, mGraph.Position(path[from]), mGraph.Position(path[to]));
+        // A helper standing on a chosen joint (a parent or cancel bone) only repeats it.
+        const bool onJoint = std::min((at - mGraph.Position(path[from])).norm(),
+                                      (at - mGraph.Position(path[to])).norm()) < 0.02 * span;
         const NameReading& reading = mNames[path[i]];
-        if (reading.Of(Role::Twist) >= 0.6f || reading.Of(Role::Helper) >= 0.8f)
+        if (onJoint || reading.Of(Role::Twist) >= 0.6f || reading.Of(Role::Helper) >= 0.8f)
             cost += 0.05;
         else
             cost += onLine ? 0.15 : 0.6;
@@ -120,7 +133,7 @@ void LimbAlignment::AlignArm(Limb& arm) const
                     if (c >= 0)
                     {
                         const double clavicle = (at(u) - at(c)).norm();
-                        score += clavicle < 0.8 * upper ? 0.3 : -1.0;
+                        score += clavicle < 0.8 * upper && clavicle > 0.1 * upper ? 0.3 : -1.0;
                         score += kNameWeight * NameSupport(joints[c], Role::Clavicle) - SkipCost(joints, c, u);
                     }
                     for (int i = 0; i < (c >= 0 ? c : u); ++i)
@@ -179,8 +192,10 @@ void LimbAlignment::AlignLeg(Limb& leg) const
                     double score = base;
                     if (t > f)
                     {
+                        // The toe's joint is the ball of the foot, on the floor in front of the ankle.
                         const Vec3 step = at(t) - at(f);
                         score += std::abs(step.dot(mBody.up)) < 0.8 * step.norm() ? 0.3 : -0.5;
+                        score += height(at(t)) < 0.06 * hipHeight ? 0.8 : 0.0;
                         score += kNameWeight * NameSupport(joints[t], Role::Toe) - SkipCost(joints, f, t);
                     }
                     else if (f + 1 < n)
