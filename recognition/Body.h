@@ -6,6 +6,16 @@
 #include "BoneName.h"
 #include "SkeletonGraph.h"
 
+// Within 20 degrees of an axis, the axis: exporters stand characters along one.
+inline Vec3 SnappedToAxis(const Vec3& direction)
+{
+    int axis = 0;
+    direction.cwiseAbs().maxCoeff(&axis);
+    Vec3 snapped = Vec3::Zero();
+    snapped[axis] = direction[axis] < 0.0 ? -1.0 : 1.0;
+    return direction.dot(snapped) > 0.9396926 ? snapped : direction; // cos 20 degrees
+}
+
 // One limb hanging from the trunk: the bones of its main path and, once aligned, which of them play which part.
 struct Limb
 {

@@ -8,18 +8,7 @@
 
 namespace
 {
-constexpr double kSnapDegrees = 20.0;
 constexpr double kDegrees = 57.29577951308232;
-
-// Within 20 degrees of an axis, the axis: exporters stand characters along one.
-Vec3 Snapped(const Vec3& direction)
-{
-    int axis = 0;
-    direction.cwiseAbs().maxCoeff(&axis);
-    Vec3 snapped = Vec3::Zero();
-    snapped[axis] = direction[axis] < 0.0 ? -1.0 : 1.0;
-    return std::acos(std::clamp(direction.dot(snapped), -1.0, 1.0)) * kDegrees < kSnapDegrees ? snapped : direction;
-}
 
 Vec3 Horizontal(const Vec3& vector, const Vec3& up)
 {
@@ -39,7 +28,7 @@ Vec3 BodyFrame::Up() const
     const Vec3 thighs = middle(mBody.legs[0].upper, mBody.legs[1].upper);
     const Vec3 shoulders = middle(mBody.arms[0].upper, mBody.arms[1].upper);
     const Vec3 up = (thighs - ankles).normalized() + (shoulders - thighs).normalized();
-    return up.norm() > 1e-9 ? Snapped(up.normalized()) : mBody.up;
+    return up.norm() > 1e-9 ? SnappedToAxis(up.normalized()) : mBody.up;
 }
 
 double BodyFrame::BendVote(const Limb& limb, const Vec3& facing, double weight) const
@@ -133,7 +122,7 @@ void BodyFrame::Orient()
         std::swap(mBody.legs[0], mBody.legs[1]);
         std::swap(mBody.arms[0], mBody.arms[1]);
     }
-    mBody.facing = Snapped(vote < 0.0 ? -facingIfLeft : facingIfLeft);
+    mBody.facing = SnappedToAxis(vote < 0.0 ? -facingIfLeft : facingIfLeft);
     if (std::abs(mBody.facing.dot(mBody.up)) > 1e-9)
         mBody.facing = (vote < 0.0 ? -facingIfLeft : facingIfLeft);
     mBody.left = mBody.up.cross(mBody.facing);

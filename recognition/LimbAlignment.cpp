@@ -165,6 +165,9 @@ void LimbAlignment::AlignLeg(Limb& leg) const
     for (int bone : joints)
         floor = std::min(floor, mGraph.Position(bone).dot(mBody.up));
     const auto height = [this, floor](const Vec3& point) { return point.dot(mBody.up) - floor; };
+    double lowestJoint = 1e300;
+    for (int bone : joints)
+        lowestJoint = std::min(lowestJoint, height(mGraph.Position(bone)));
     double best = -1e300;
     for (int u = 0; u < n; ++u)
     {
@@ -195,7 +198,7 @@ void LimbAlignment::AlignLeg(Limb& leg) const
                         // The toe's joint is the ball of the foot, on the floor in front of the ankle.
                         const Vec3 step = at(t) - at(f);
                         score += std::abs(step.dot(mBody.up)) < 0.8 * step.norm() ? 0.3 : -0.5;
-                        score += height(at(t)) < 0.06 * hipHeight ? 0.8 : 0.0;
+                        score += height(at(t)) < lowestJoint + 0.015 * hipHeight ? 0.8 : 0.0;
                         score += kNameWeight * NameSupport(joints[t], Role::Toe) - SkipCost(joints, f, t);
                     }
                     else if (f + 1 < n)

@@ -210,8 +210,7 @@ Body TrunkSearch::Assemble(const Pair& legs, const Pair& arms) const
     }
     // Hands never reach the ground, and stand apart.
     if ((Middle(arms.a.end, arms.b.end) - feet).dot(up) < 0.3 * reach ||
-        (arms.a.end - arms.b.end).norm() < 0.25 * reach ||
-        (mGraph.Position(legs.a.path.front()) - mGraph.Position(legs.b.path.front())).norm() < 0.03 * reach)
+        (arms.a.end - arms.b.end).norm() < 0.25 * reach || (centre(legs.a) - centre(legs.b)).norm() < 0.03 * reach)
         return body;
     const double ratio = (arms.a.length + arms.b.length) / (legs.a.length + legs.b.length);
     if (ratio < 0.3 || ratio > 1.8)
@@ -227,7 +226,8 @@ Body TrunkSearch::Assemble(const Pair& legs, const Pair& arms) const
         headAbove = headAbove || (mGraph.End(path.back()) - mGraph.Position(armParent)).dot(up) > 0.05 * reach;
     }
     body.scale = reach;
-    body.up = up;
+    // The feet reach forward to the toes; the spine and the legs together stand straighter.
+    body.up = SnappedToAxis((spine / spineLength + up).normalized());
     body.score = 2.0 * (legs.likeness + arms.likeness) + 2.0 * upright - std::abs(std::log(ratio / 0.8)) +
                  1.5 * names + 0.5 * skin + (headAbove ? 0.5 : 0.0);
     return body;
