@@ -120,8 +120,10 @@ void LimbAlignment::AlignArm(Limb& arm) const
                 const double fore = (at(h) - at(f)).norm();
                 const double geometry = -2.0 * LogMiss(upper / fore, kArmRatio) -
                                         2.0 * LogMiss((upper + fore) / mBody.scale, kArmToReach);
-                // The wrist is where the fingers fan out, or the last joint when the hand has none.
-                const double wrist = FansOut(joints[h]) ? 1.0 : (h == n - 1 ? 0.7 : 0.0);
+                // The wrist is where the fingers fan out, or, when the hand has none, the last joint or the one
+                // before a lone leaf that only marks where the hand ends.
+                const bool handEnd = h == n - 2 && mGraph.Children(joints[n - 1]).empty();
+                const double wrist = FansOut(joints[h]) ? 1.0 : (h == n - 1 || handEnd ? 0.7 : 0.0);
                 const double names = NameSupport(joints[u], Role::UpperArm) +
                                      NameSupport(joints[f], Role::ForeArm) + NameSupport(joints[h], Role::Hand);
                 const double base = geometry + wrist + kNameWeight * names - SkipCost(joints, u, f) -

@@ -214,11 +214,14 @@ TruthRig CaptureDataset();
 TruthRig Avatar(bool facingBack);
 TruthRig OtherSeparators();
 TruthRig NamespacedGeneric();
+TruthRig BodyModel();
+TruthRig CaptureSuit();
 
 std::vector<TruthRig> All()
 {
     return {Mannequin(),          Biped(" "),        Biped("_"),        Mmd(),          DeformRig(),
             CharacterCreator(),   FigureTool(),      JointNames(),      CaptureDataset(), Avatar(false),
-            Avatar(true),         OtherSeparators(), NamespacedGeneric()};
+            Avatar(true),         OtherSeparators(), NamespacedGeneric(), BodyModel(),
+            CaptureSuit()};
 }
 } // namespace conventions

@@ -247,6 +247,61 @@ TruthRig OtherSeparators()
     return r.Done();
 }
 
+// A research body model's skeleton: joints named for the joint, not the bone ("left_hip" is the thigh,
+// "left_shoulder" the upper arm, "left_foot" the ball of the foot), a lone hand joint past each wrist.
+TruthRig BodyModel()
+{
+    Rig r("body model", Body(0));
+    r.Add("pelvis", "", "hips", N("Hips"));
+    r.Add("spine1", "pelvis", "spine0", N("Spine"));
+    r.Add("spine2", "spine1", "spine1", N("Spine1"));
+    r.Add("spine3", "spine2", "spine2", N("Spine2"));
+    r.Add("neck", "spine3", "neck0", N("Neck"));
+    r.Add("head", "neck", "head", N("Head"));
+    for (QString side : {"L", "R"})
+    {
+        const QString w = Sided(side);
+        const QString p = side == "L" ? "left_" : "right_";
+        r.Add(p + "hip", "pelvis", r.At("thigh" + side), N(w + "UpLeg"));
+        r.Add(p + "knee", p + "hip", r.At("knee" + side), N(w + "Leg"));
+        r.Add(p + "ankle", p + "knee", r.At("ankle" + side), N(w + "Foot"));
+        r.Add(p + "foot", p + "ankle", r.At("toe" + side), N(w + "ToeBase"));
+        r.Add(p + "collar", "spine3", r.At("clav" + side), N(w + "Shoulder"));
+        r.Add(p + "shoulder", p + "collar", r.At("uarm" + side), N(w + "Arm"));
+        r.Add(p + "elbow", p + "shoulder", r.At("farm" + side), N(w + "ForeArm"));
+        r.Add(p + "wrist", p + "elbow", r.At("hand" + side), N(w + "Hand"));
+        r.Add(p + "hand", p + "wrist", r.At(QStringLiteral("f2_2%1").arg(side)), -1, true);
+    }
+    return r.Done();
+}
+
+// A motion-capture suit's skeleton: vertebrae names ("L5" is no left bone), one neck bone, joints named for the
+// limb, toes, no fingers.
+TruthRig CaptureSuit()
+{
+    Rig r("capture suit", Body(0));
+    r.Add("Pelvis", "", "hips", N("Hips"));
+    r.Add("L5", "Pelvis", "spine0", N("Spine"));
+    r.Add("L3", "L5", "spine1", N("Spine1"));
+    r.Add("T12", "L3", "spine2", N("Spine2"));
+    r.Add("T8", "T12", "spine3", N("Spine3"));
+    r.Add("Neck", "T8", "neck0", N("Neck"));
+    r.Add("Head", "Neck", "head", N("Head"));
+    for (QString side : {"L", "R"})
+    {
+        const QString w = Sided(side);
+        r.Add(w + "UpperLeg", "Pelvis", r.At("thigh" + side), N(w + "UpLeg"));
+        r.Add(w + "LowerLeg", w + "UpperLeg", r.At("knee" + side), N(w + "Leg"));
+        r.Add(w + "Foot", w + "LowerLeg", r.At("ankle" + side), N(w + "Foot"));
+        r.Add(w + "Toe", w + "Foot", r.At("toe" + side), N(w + "ToeBase"));
+        r.Add(w + "Shoulder", "T8", r.At("clav" + side), N(w + "Shoulder"));
+        r.Add(w + "UpperArm", w + "Shoulder", r.At("uarm" + side), N(w + "Arm"));
+        r.Add(w + "ForeArm", w + "UpperArm", r.At("farm" + side), N(w + "ForeArm"));
+        r.Add(w + "Hand", w + "ForeArm", r.At("hand" + side), N(w + "Hand"));
+    }
+    return r.Done();
+}
+
 // A generic game rig in nested namespaces: ".L" sides, "LowerArm" and "UpperLeg", hands without fingers.
 TruthRig NamespacedGeneric()
 {
