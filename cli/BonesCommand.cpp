@@ -11,8 +11,8 @@
 #include <zelkin/TemplateLibrary.h>
 #include <zelkin/UserConfiguration.h>
 
-#include "Arguments.h"
 #include "CliError.h"
+#include "CommandLine.h"
 #include "Scene.h"
 #include "SceneHub.h"
 #include "SceneImporter.h"
@@ -103,9 +103,15 @@ QString ToText(const std::vector<SkeletonRecognizer::Bone>& bones, const Skeleto
 
 int runBones(const QStringList& arguments)
 {
-    const Arguments parsed(arguments, {"--json"}, {});
-    if (!parsed.Error().isEmpty() || parsed.Positionals().size() != 1)
-        return fail(QStringLiteral("usage: zelkin bones SKELETON [--json]"));
+    CommandLine parsed(QStringLiteral("zelkin bones SKELETON [options]"),
+                       QStringLiteral("Shows the skeleton as the tool reads it: each bone under its parent, with its "
+                                      "rest-pose position, whether it skins a mesh, and the node automatic "
+                                      "characterization gives it with its confidence; then each character found."),
+                       {{{"json"}, "", "one JSON document instead of text"}});
+    if (!parsed.Parse(arguments))
+        return parsed.Refuse();
+    if (parsed.Positionals().size() != 1)
+        return fail(QStringLiteral("bones takes one SKELETON (see zelkin bones --help)"));
     Scene scene;
     SceneImporter importer;
     importer.SetSourceReleasedAtExit(true);
@@ -114,9 +120,10 @@ int runBones(const QStringList& arguments)
     const SceneHub hub(scene);
     std::vector<SkeletonRecognizer::Bone> bones;
     hub.DescribeSkeleton(bones);
-    const SkeletonRecognizer recognizer(TemplateLibrary(UserConfiguration::TemplateDirectory()));
+    const TemplateLibrary library(UserConfiguration::TemplateDirectory());
+    const SkeletonRecognizer recognizer(library);
     const SkeletonRecognizer::Result result = recognizer.Recognize(bones);
-    const QByteArray out = parsed.Has(QStringLiteral("--json")) ? ToJson(bones, result) : ToText(bones, result).toUtf8();
+    const QByteArray out = parsed.Has(QStringLiteral("json")) ? ToJson(bones, result) : ToText(bones, result).toUtf8();
     std::fwrite(out.constData(), 1, size_t(out.size()), stdout);
     return 0;
 }

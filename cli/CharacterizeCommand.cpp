@@ -10,9 +10,11 @@
 #include <zelkin/CharacterizationModel.h>
 #include <zelkin/TemplateChooser.h>
 
-#include "Arguments.h"
+#include "Batch.h"
 #include "CharacterizationFile.h"
 #include "CliError.h"
+#include "CommandLine.h"
+#include "InputFiles.h"
 #include "OutputFiles.h"
 #include "Scene.h"
 #include "SceneHub.h"
@@ -22,32 +24,60 @@
 
 namespace
 {
-const QString Usage = QStringLiteral("usage: zelkin characterize SKELETON [--character NAME|INDEX] "
-                                     "[--template NAME|FILE] [--match suffix|contains] [--prefix P] "
-                                     "[-o OUT.zelc|OUT.xml] [--big-endian] [--json]");
-
-// Everything that can be refused before the skeleton is read. An error line, empty when the options hold.
-QString ReadOptions(const Arguments& arguments, SkeletonMapping& mapping)
+CommandLine Options()
 {
-    if (!arguments.Error().isEmpty())
-        return QStringLiteral("%1 (%2)").arg(arguments.Error(), Usage);
-    if (arguments.Positionals().size() != 1)
-        return Usage;
-    const QString output = arguments.Value(QStringLiteral("-o"));
-    const CharacterizationFile::Format format = CharacterizationFile::FormatOf(output);
-    if (!output.isNull() && format == CharacterizationFile::Unknown)
+    return CommandLine(
+        QStringLiteral("zelkin characterize SKELETON... [options]"),
+        QStringLiteral("Maps each skeleton's bones to nodes, validates the result and, with -o, writes it. Without "
+                       "--template or --prefix the skeleton is characterized automatically, every humanoid found in "
+                       "it (a file with several gives one report and one set of files each); where none is found, "
+                       "the template that fits best maps it. Several skeletons, or folders of them, are read by "
+                       "workers of their own, so that one bad file stops nothing else."),
+        {{{"character"}, "NAME|INDEX", "only this character of a file with several: its number in the report, or its "
+                                       "root or hips bone"},
+         {{"template"}, "NAME|FILE", "map by this template (a library name or a file) instead of automatically"},
+         {{"match"}, "suffix|contains", "how template patterns meet bone names (default suffix)"},
+         {{"prefix"}, "P", "templates map only the bones whose names start with P, compared without it"},
+         {{"o", "output"}, "OUT|DIR", "write OUT.zelc (with OUT.bones.xml beside it) or OUT.xml; for several "
+                                      "skeletons a folder, each file named after its skeleton"},
+         {{"format"}, "zelc|xml", "what a batch writes into the -o folder (default zelc)"},
+         {{"big-endian"}, "", "write .zelc streams big-endian"},
+         {{"recursive"}, "", "search below the given folders too"},
+         {{"j", "jobs"}, "N", "workers for several skeletons (default: one per core)"},
+         {{"timeout"}, "SECONDS", "a skeleton whose reading takes longer is reported unreadable (default 300, 0 for "
+                                  "no limit)"},
+         {{"json"}, "", "JSON instead of text: one document, or for several skeletons one line per file (JSON "
+                        "Lines) and a summary last"},
+         {{"worker"}, "", "", true}});
+}
+
+// Everything that can be refused before a skeleton is read. An error line, empty when the options hold.
+QString ReadOptions(const CommandLine& arguments, bool batch, SkeletonMapping& mapping)
+{
+    if (arguments.Positionals().isEmpty())
+        return QStringLiteral("no skeleton given (see zelkin characterize --help)");
+    const QString output = arguments.Value(QStringLiteral("o"));
+    const CharacterizationFile::Format format = batch ? CharacterizationFile::FormatOf("." + arguments.Value("format"))
+                                                      : CharacterizationFile::FormatOf(output);
+    if (batch && !arguments.Value("format").isNull() && format == CharacterizationFile::Unknown)
+        return QStringLiteral("--format takes zelc or xml, not \"%1\"").arg(arguments.Value("format"));
+    if (batch && CharacterizationFile::FormatOf(output) != CharacterizationFile::Unknown)
+        return QStringLiteral("%1: with several skeletons -o names a folder").arg(output);
+    if (!batch && !output.isNull() && format == CharacterizationFile::Unknown)
         return QStringLiteral("%1: the output must be a .zelc or .xml file").arg(output);
-    if (arguments.Has(QStringLiteral("--big-endian")) && format != CharacterizationFile::Stream)
+    if (arguments.Has(QStringLiteral("big-endian")) && format == CharacterizationFile::Xml)
+        return QStringLiteral("--big-endian needs .zelc output");
+    if (!batch && arguments.Has(QStringLiteral("big-endian")) && format != CharacterizationFile::Stream)
         return QStringLiteral("--big-endian needs a .zelc output (-o OUT.zelc)");
 
-    const QString match = arguments.Value(QStringLiteral("--match")).toLower();
+    const QString match = arguments.Value(QStringLiteral("match")).toLower();
     if (match == QLatin1String("contains"))
         mapping.type = NameMatcher::Contains;
     else if (!match.isNull() && match != QLatin1String("suffix"))
-        return QStringLiteral("--match takes suffix or contains, not \"%1\"").arg(arguments.Value("--match"));
-    mapping.templateArgument = arguments.Value(QStringLiteral("--template"));
-    mapping.prefix = arguments.Value(QStringLiteral("--prefix"));
-    mapping.character = arguments.Value(QStringLiteral("--character"));
+        return QStringLiteral("--match takes suffix or contains, not \"%1\"").arg(arguments.Value("match"));
+    mapping.templateArgument = arguments.Value(QStringLiteral("template"));
+    mapping.prefix = arguments.Value(QStringLiteral("prefix"));
+    mapping.character = arguments.Value(QStringLiteral("character"));
     if (!mapping.character.isNull() && mapping.UsesTemplates())
         return QStringLiteral("--character picks a character found automatically; it goes with neither --template "
                               "nor --prefix");
@@ -155,21 +185,14 @@ bool CharacterizeByTemplate(CharacterizationModel& model, const SkeletonMapping&
     run.reports.push_back(report);
     return true;
 }
-} // namespace
 
-int runCharacterize(const QStringList& arguments)
+// One skeleton, in this process.
+int CharacterizeOne(const CommandLine& parsed, const SkeletonMapping& mapping, const QString& skeleton)
 {
-    const Arguments parsed(arguments, {"--big-endian", "--json"},
-                           {"--template", "--match", "--prefix", "--character", "-o"});
-    SkeletonMapping mapping;
-    const QString refused = ReadOptions(parsed, mapping);
-    if (!refused.isEmpty())
-        return fail(refused);
-
     Run run;
-    run.skeleton = parsed.Positionals().first();
-    run.output = parsed.Value(QStringLiteral("-o"));
-    run.bigEndian = parsed.Has(QStringLiteral("--big-endian"));
+    run.skeleton = skeleton;
+    run.output = parsed.Value(QStringLiteral("o"));
+    run.bigEndian = parsed.Has(QStringLiteral("big-endian"));
     Scene scene;
     SceneImporter importer;
     importer.SetSourceReleasedAtExit(true);
@@ -190,15 +213,71 @@ int runCharacterize(const QStringList& arguments)
     if (!error.isEmpty())
         return fail(error);
 
-    const bool json = parsed.Has(QStringLiteral("--json"));
+    const bool several = run.reports.size() > 1;
+    const ValidationReport::Form form = parsed.Has(QStringLiteral("worker")) ? ValidationReport::Form::Worker
+                                        : !parsed.Has(QStringLiteral("json")) ? ValidationReport::Form::Text
+                                        : several                             ? ValidationReport::Form::JsonLine
+                                                                              : ValidationReport::Form::Json;
     int status = 0;
     for (size_t i = 0; i < run.reports.size(); ++i)
     {
-        if (i > 0 && !json)
+        if (i > 0 && form == ValidationReport::Form::Text)
             std::fputs("\n", stdout);
-        // Several characters: one JSON document a line.
-        run.reports[i].Print(json, run.reports.size() > 1);
+        run.reports[i].Print(form);
         status = std::max(status, run.reports[i].ExitStatus());
     }
     return status;
+}
+
+// Several skeletons, each by a worker; outputs into the -o folder, named after their skeletons.
+int CharacterizeMany(const CommandLine& parsed, const InputFiles& inputs)
+{
+    QString error;
+    Batch batch = Batch::FromOptions(parsed, error);
+    if (!error.isEmpty())
+        return fail(error);
+    const QString folder = parsed.Value(QStringLiteral("o"));
+    if (!folder.isNull() && !QDir().mkpath(folder))
+        return fail(QStringLiteral("%1: the output folder cannot be made").arg(folder));
+    const QString suffix = parsed.Value(QStringLiteral("format")).isNull() ? QStringLiteral("zelc")
+                                                                           : parsed.Value(QStringLiteral("format"));
+    QStringList forwarded;
+    for (const char* option : {"character", "template", "match", "prefix"})
+        if (parsed.Has(QLatin1String(option)))
+            forwarded << QStringLiteral("--%1").arg(QLatin1String(option)) << parsed.Value(QLatin1String(option));
+    if (parsed.Has(QStringLiteral("big-endian")))
+        forwarded << QStringLiteral("--big-endian");
+    std::vector<Batch::Job> jobs;
+    QStringList taken;
+    for (const QString& file : inputs.files)
+    {
+        QStringList arguments {QStringLiteral("characterize"), file, QStringLiteral("--worker")};
+        arguments += forwarded;
+        if (!folder.isNull())
+        {
+            // Skeletons of one name from different folders get numbered files.
+            QString name = QFileInfo(file).completeBaseName();
+            for (int number = 2; taken.contains(name); ++number)
+                name = QStringLiteral("%1_%2").arg(QFileInfo(file).completeBaseName()).arg(number);
+            taken.append(name);
+            arguments << QStringLiteral("-o") << QDir(folder).filePath(name + QLatin1Char('.') + suffix);
+        }
+        jobs.push_back({file, arguments});
+    }
+    return batch.Run(jobs, inputs.skipped);
+}
+} // namespace
+
+int runCharacterize(const QStringList& arguments)
+{
+    CommandLine parsed = Options();
+    if (!parsed.Parse(arguments))
+        return parsed.Refuse();
+    const InputFiles inputs = InputFiles::Expand(parsed.Positionals(), parsed.Has(QStringLiteral("recursive")),
+                                                 [](const QString& file) { return SceneImporter::IsClaimed(file); });
+    SkeletonMapping mapping;
+    const QString refused = ReadOptions(parsed, inputs.IsBatch(), mapping);
+    if (!refused.isEmpty())
+        return fail(refused);
+    return inputs.IsBatch() ? CharacterizeMany(parsed, inputs) : CharacterizeOne(parsed, mapping, inputs.files.first());
 }

@@ -1,24 +1,23 @@
 #include "ConvertCommand.h"
 
-#include "Arguments.h"
 #include "CharacterizationFile.h"
 #include "CliError.h"
+#include "CommandLine.h"
 #include "OutputFiles.h"
-
-namespace
-{
-const QString Usage = QStringLiteral("usage: zelkin convert IN OUT [--big-endian] (each a .zelc or .xml file)");
-} // namespace
 
 int runConvert(const QStringList& arguments)
 {
-    const Arguments parsed(arguments, {"--big-endian"}, {});
-    if (!parsed.Error().isEmpty())
-        return fail(QStringLiteral("%1 (%2)").arg(parsed.Error(), Usage));
+    CommandLine parsed(QStringLiteral("zelkin convert IN OUT [options]"),
+                       QStringLiteral("Rewrites a characterization between the two byte orders of the .zelc stream and "
+                                      "the .xml file, as the extension of OUT says. The .xml file has no place for the "
+                                      "inverted-joint flags; it says so when it drops any."),
+                       {{{"big-endian"}, "", "write the .zelc stream big-endian"}});
+    if (!parsed.Parse(arguments))
+        return parsed.Refuse();
     if (parsed.Positionals().size() != 2)
-        return fail(Usage);
-    const QString& output = parsed.Positionals()[1];
-    const bool bigEndian = parsed.Has(QStringLiteral("--big-endian"));
+        return fail(QStringLiteral("convert takes IN and OUT (see zelkin convert --help)"));
+    const QString output = parsed.Positionals()[1];
+    const bool bigEndian = parsed.Has(QStringLiteral("big-endian"));
     if (bigEndian && CharacterizationFile::FormatOf(output) != CharacterizationFile::Stream)
         return fail(QStringLiteral("--big-endian needs a .zelc output"));
 

@@ -11,8 +11,8 @@
 #include <zelkin/CharacterJointGeometry.h>
 #include <zelkin/ZELSolver.h>
 
-#include "Arguments.h"
 #include "CliError.h"
+#include "CommandLine.h"
 #include "StreamFile.h"
 
 namespace
@@ -122,11 +122,16 @@ void printText(const QString& path, const StreamFile& file, const StreamContents
 
 int runInspect(const QStringList& arguments)
 {
-    const Arguments parsed(arguments, {"--json"}, {});
-    if (!parsed.Error().isEmpty() || parsed.Positionals().size() != 1)
-        return fail(QStringLiteral("usage: zelkin inspect FILE.zelc [--json]"));
-    const QString& path = parsed.Positionals().first();
-    const bool json = parsed.Has(QStringLiteral("--json"));
+    CommandLine parsed(QStringLiteral("zelkin inspect FILE.zelc [options]"),
+                       QStringLiteral("Shows what a .zelc stream holds: its byte order, version, used nodes, limb "
+                                      "flags and every node's record."),
+                       {{{"json"}, "", "one JSON document instead of text"}});
+    if (!parsed.Parse(arguments))
+        return parsed.Refuse();
+    if (parsed.Positionals().size() != 1)
+        return fail(QStringLiteral("inspect takes one FILE.zelc (see zelkin inspect --help)"));
+    const QString path = parsed.Positionals().first();
+    const bool json = parsed.Has(QStringLiteral("json"));
 
     const StreamFile file = StreamFile::Load(path);
     if (!file.error.isEmpty())

@@ -9,8 +9,8 @@
 #include <zelkin/TemplateLibrary.h>
 #include <zelkin/UserConfiguration.h>
 
-#include "Arguments.h"
 #include "CliError.h"
+#include "CommandLine.h"
 
 namespace
 {
@@ -35,9 +35,15 @@ QString Describe(const TemplateLibrary& library, const QString& name)
 
 int runTemplates(const QStringList& arguments)
 {
-    const Arguments parsed(arguments, {}, {});
-    if (!parsed.Error().isEmpty() || !parsed.Positionals().isEmpty())
-        return fail(QStringLiteral("usage: zelkin templates"));
+    CommandLine parsed(QStringLiteral("zelkin templates [options]"),
+                       QStringLiteral("Lists the shipped mapping templates and the user's own, which live in the "
+                                      "\"template\" folder beside the per-user configuration; says which folder it "
+                                      "reads, and why a user template that cannot be read is never used."),
+                       {});
+    if (!parsed.Parse(arguments))
+        return parsed.Refuse();
+    if (!parsed.Positionals().isEmpty())
+        return fail(QStringLiteral("templates takes no arguments (see zelkin templates --help)"));
 
     const TemplateLibrary library(UserConfiguration::TemplateDirectory());
     QStringList shipped;

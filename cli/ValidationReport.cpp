@@ -11,6 +11,7 @@
 #include <zelkin/TemplateChooser.h>
 #include <zelkin/ZELSolver.h>
 
+#include "Batch.h"
 #include "CliError.h"
 
 namespace
@@ -154,7 +155,7 @@ int ValidationReport::ExitStatus() const
     return mState == Error ? CliError::ValidationFailed : 0;
 }
 
-QByteArray ValidationReport::ToJson(bool compact) const
+QJsonObject ValidationReport::ToJsonObject() const
 {
     QJsonArray nodes;
     for (const Node& node : mNodes)
@@ -186,7 +187,7 @@ QByteArray ValidationReport::ToJson(bool compact) const
     report["nodes"] = nodes;
     if (!mMissingBones.isEmpty())
         report["missingBones"] = QJsonArray::fromStringList(mMissingBones);
-    return QJsonDocument(report).toJson(compact ? QJsonDocument::Compact : QJsonDocument::Indented);
+    return report;
 }
 
 QString ValidationReport::ToText() const
@@ -222,8 +223,15 @@ QString ValidationReport::ToText() const
     return lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
 }
 
-void ValidationReport::Print(bool json, bool compact) const
+void ValidationReport::Print(Form form) const
 {
-    std::fputs(json ? (ToJson(compact) + (compact ? "\n" : "")).constData() : ToText().toLocal8Bit().constData(),
-               stdout);
+    QByteArray out;
+    switch (form)
+    {
+    case Form::Text: out = ToText().toLocal8Bit(); break;
+    case Form::Json: out = QJsonDocument(ToJsonObject()).toJson(QJsonDocument::Indented); break;
+    case Form::JsonLine: out = QJsonDocument(ToJsonObject()).toJson(QJsonDocument::Compact) + '\n'; break;
+    case Form::Worker: out = Batch::WorkerLine(ToJsonObject(), ToText()); break;
+    }
+    std::fwrite(out.constData(), 1, size_t(out.size()), stdout);
 }

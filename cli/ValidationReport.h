@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -10,7 +11,6 @@
 
 class CharacterizationModel;
 class QJsonArray;
-class QJsonObject;
 
 // What validating the model's current characterization found, printed for people or as one JSON document:
 // the overall state and message, how the skeleton was mapped, and every assigned node with its bone and findings.
@@ -49,11 +49,17 @@ public:
     ValidationState State() const { return mState; }
     // 2 when validation ends in an error, else 0.
     int ExitStatus() const;
-    // Indented, or on one line (a JSON Lines record).
-    QByteArray ToJson(bool compact = false) const;
+    QJsonObject ToJsonObject() const;
     QString ToText() const;
-    // On stdout, as JSON or for people.
-    void Print(bool json, bool compact = false) const;
+    enum class Form
+    {
+        Text,     // for people
+        Json,     // one indented document
+        JsonLine, // one document on one line, as one of several
+        Worker    // a line for the batch that runs this file (Batch::WorkerLine)
+    };
+    // On stdout.
+    void Print(Form form) const;
 
 private:
     QString RecognitionSummary() const;

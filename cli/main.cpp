@@ -11,6 +11,7 @@
 #include "CliError.h"
 #include "ConvertCommand.h"
 #include "InspectCommand.h"
+#include "SceneImporter.h"
 #include "TemplatesCommand.h"
 #include "ValidateCommand.h"
 
@@ -18,13 +19,16 @@ namespace
 {
 const char* const Usage =
     "usage: zelkin COMMAND [ARGUMENTS]\n"
+    "       zelkin COMMAND --help          that command's usage and options\n"
+    "       zelkin --version               the versions of zelkin, its skeleton reader and Qt\n"
     "\n"
     "commands:\n"
-    "  characterize SKELETON [--template NAME|FILE] [--match suffix|contains] [--prefix P]\n"
-    "               [-o OUT.zelc|OUT.xml] [--big-endian] [--json]\n"
-    "                                     map a skeleton's bones to nodes, validate, write\n"
-    "  validate FILE.zelc|FILE.xml [--skeleton SKELETON] [--json]\n"
-    "                                     validate a saved characterization\n"
+    "  characterize SKELETON... [--character NAME|INDEX] [--template NAME|FILE] [--match suffix|contains]\n"
+    "               [--prefix P] [-o OUT|DIR] [--format zelc|xml] [--big-endian] [--recursive] [-j N] [--json]\n"
+    "                                     map skeletons' bones to nodes, automatically or by template, validate,\n"
+    "                                     write\n"
+    "  validate FILE... [--skeleton SKELETON] [--recursive] [-j N] [--json]\n"
+    "                                     validate saved characterizations\n"
     "  inspect FILE.zelc [--json]         byte order, version, used nodes, limb flags, records\n"
     "  convert IN OUT [--big-endian]      between .zelc (either byte order) and .xml\n"
     "  templates                          the shipped and user mapping templates\n"
@@ -84,6 +88,12 @@ int main(int argc, char** argv)
     {
         std::fputs(Usage, arguments.isEmpty() ? stderr : stdout);
         return arguments.isEmpty() ? CliError::BadInput : 0;
+    }
+    if (arguments.first() == QLatin1String("--version"))
+    {
+        std::printf("zelkin %s (%s, Qt %s)\n", ZELKIN_VERSION_TEXT, qPrintable(SceneImporter::ReaderVersion()),
+                    qVersion());
+        return 0;
     }
     const QString name = arguments.takeFirst();
     const Command run = Find(name);

@@ -15,6 +15,7 @@
 #include <assimp/Importer.hpp>
 #include <assimp/config.h>
 #include <assimp/scene.h>
+#include <assimp/version.h>
 
 #include "BvhRotationOrders.h"
 #include "ImportProgressHandler.h"
@@ -101,6 +102,23 @@ bool KeepOnlyTheReaderThatAccepts(Assimp::Importer& importer, const std::string&
 }
 
 } // namespace
+
+bool SceneImporter::IsClaimed(const QString& path)
+{
+    static const QStringList extensions = [] {
+        std::string list;
+        Assimp::Importer().GetExtensionList(list);
+        // "*.3ds;*.obj;..."
+        return QString::fromStdString(list).remove(QLatin1Char('*')).split(QLatin1Char(';'), Qt::SkipEmptyParts);
+    }();
+    return std::any_of(extensions.begin(), extensions.end(),
+                       [&path](const QString& extension) { return path.endsWith(extension, Qt::CaseInsensitive); });
+}
+
+QString SceneImporter::ReaderVersion()
+{
+    return QStringLiteral("Assimp %1.%2.%3").arg(aiGetVersionMajor()).arg(aiGetVersionMinor()).arg(aiGetVersionRevision());
+}
 
 bool SceneImporter::Import(const QString& path, Scene& scene)
 {

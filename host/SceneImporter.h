@@ -19,6 +19,11 @@ public:
     // process's end to release at once, instead of being freed piece by piece (a millisecond for a 2 MB file).
     void SetSourceReleasedAtExit(bool atExit) { mSourceReleasedAtExit = atExit; }
 
+    // Whether some reader claims the file by its extension: folders are searched for what can be read.
+    static bool IsClaimed(const QString& path);
+    // "Assimp 5.2.4", the reader in use.
+    static QString ReaderVersion();
+
     // On success replaces the scene's content. On failure or cancellation leaves the scene as it was and keeps one
     // message: "cannot read FILE: <reason>".
     bool Import(const QString& path, Scene& scene);
