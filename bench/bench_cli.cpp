@@ -2,20 +2,16 @@
 // its bones file) against a process that only imports the same file with Assimp. Target: at most 1.3 times the
 // import alone; the CharacterizeOverImport counter "ratio" gives it directly. FloorOverImport does the same for the
 // least a Qt program could do for the command line (load Qt Core, import, save two files of its sizes).
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <benchmark/benchmark.h>
 
-extern char** environ;
+#include "SpawnedProcess.h"
 
 namespace
 {
@@ -26,29 +22,6 @@ std::string OutputBase()
 {
     const char* tmp = std::getenv("TMPDIR");
     return std::string(tmp != nullptr ? tmp : "/tmp") + "/bench_cli_" + std::to_string(getpid());
-}
-
-// Runs the program with stdout and stderr on /dev/null; the seconds it took, start to exit, or -1 when it could
-// not start or did not exit with 0.
-double Run(const std::vector<std::string>& command)
-{
-    std::vector<char*> argv;
-    for (const std::string& argument : command)
-        argv.push_back(const_cast<char*>(argument.c_str()));
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-
-    const auto start = std::chrono::steady_clock::now();
-    pid_t child = 0;
-    const int spawned = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    int status = 0;
-    if (spawned != 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        return -1.0;
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 const std::vector<std::string> Characterize = {ZELKIN_CLI, "characterize", Skeleton, "-o", OutputBase() + ".zelc"};
@@ -73,7 +46,7 @@ void Measure(benchmark::State& state, const std::vector<std::string>& command)
 {
     for (auto _ : state)
     {
-        const double seconds = Run(command);
+        const double seconds = RunProcess(command);
         if (Failed(state, seconds, command[0]))
             break;
         state.SetIterationTime(seconds);
@@ -97,8 +70,8 @@ void MeasureOverImport(benchmark::State& state, const std::vector<std::string>& 
     double import = 0.0;
     for (auto _ : state)
     {
-        const double one = Run(command);
-        const double other = Run(ImportOnly);
+        const double one = RunProcess(command);
+        const double other = RunProcess(ImportOnly);
         if (Failed(state, one, command[0]) || Failed(state, other, ImportOnly[0]))
             break;
         measured += one;
