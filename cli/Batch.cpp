@@ -12,6 +12,7 @@
 #include <QTimer>
 
 #include "CommandLine.h"
+#include "SceneImporter.h"
 
 #ifdef Q_OS_UNIX
 #include <unistd.h>
@@ -20,7 +21,9 @@
 namespace
 {
 const QString kText = QStringLiteral("text");
-constexpr int kDefaultTimeout = 300; // seconds a skeleton may take; the largest real ones read in a few
+// What a worker may take beyond its reading: characterizing and writing take well under a second, so only a worker
+// that hangs after the reading comes near it.
+constexpr int kReserveSeconds = 60;
 
 bool StderrIsTerminal()
 {
@@ -45,12 +48,20 @@ Batch Batch::FromOptions(const CommandLine& parsed, QString& error)
                                                         : QThread::idealThreadCount();
     if (!isNumber || workers < 1)
         error = QStringLiteral("-j takes a number of workers, not \"%1\"").arg(parsed.Value(QStringLiteral("j")));
-    const int seconds = parsed.Has(QStringLiteral("timeout")) ? parsed.Value(QStringLiteral("timeout")).toInt(&isNumber)
-                                                              : kDefaultTimeout;
-    if (!isNumber || seconds < 0)
-        error = QStringLiteral("--timeout takes a number of seconds, not \"%1\"")
-                    .arg(parsed.Value(QStringLiteral("timeout")));
+    const int seconds = ReadingTimeLimit(parsed, error);
     return Batch(workers, seconds, parsed.Has(QStringLiteral("json")));
+}
+
+int Batch::ReadingTimeLimit(const CommandLine& parsed, QString& error)
+{
+    if (!parsed.Has(QStringLiteral("timeout")))
+        return SceneImporter::DefaultTimeLimit;
+    bool isNumber = false;
+    const int seconds = parsed.Value(QStringLiteral("timeout")).toInt(&isNumber);
+    if (isNumber && seconds >= 0)
+        return seconds;
+    error = QStringLiteral("--timeout takes a number of seconds, not \"%1\"").arg(parsed.Value(QStringLiteral("timeout")));
+    return 0;
 }
 
 QByteArray Batch::WorkerLine(QJsonObject report, const QString& text)
@@ -88,7 +99,7 @@ void Batch::Start(size_t index)
     QObject::connect(limit, &QTimer::timeout, process, [this, index, process] {
         process->kill();
         process->waitForFinished();
-        Finish(index, *process, QStringLiteral("it took longer than %1 s").arg(mSecondsPerFile));
+        Finish(index, *process, QStringLiteral("it took longer than %1 s").arg(mSecondsPerFile + kReserveSeconds));
     });
     QObject::connect(process, &QProcess::finished, process, [this, index, process, limit] {
         if (!limit->isActive())
@@ -104,9 +115,11 @@ void Batch::Start(size_t index)
             Finish(index, *process, QStringLiteral("no worker could be started"));
         }
     });
+    // The worker's reader keeps the time limit; this one stops a worker that hangs for another reason.
     if (mSecondsPerFile > 0)
-        limit->start(mSecondsPerFile * 1000);
-    process->start(mProgram, mJobs[index].arguments);
+        limit->start((mSecondsPerFile + kReserveSeconds) * 1000);
+    process->start(mProgram, mJobs[index].arguments + QStringList {QStringLiteral("--timeout"),
+                                                                    QString::number(mSecondsPerFile)});
 }
 
 void Batch::Finish(size_t index, QProcess& process, const QString& stopped)

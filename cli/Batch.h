@@ -10,9 +10,9 @@
 class CommandLine;
 class QProcess;
 
-// Several files, each characterized or validated by a worker process of this program, so that a file that crashes
-// or hangs the reader stops nothing else. Reports come in input order, then a summary; on a terminal a progress
-// line on stderr tells how far it is.
+// Several files, each characterized or validated by a worker process of this program, so that they are read side
+// by side and nothing one worker meets stops the others. Reports come in input order, then a summary; on a terminal
+// a progress line on stderr tells how far it is.
 class Batch
 {
 public:
@@ -25,6 +25,9 @@ public:
     Batch(int workers, int secondsPerFile, bool json);
     // A batch as -j, --timeout and --json ask for it; an error line in `error` when -j or --timeout is no number.
     static Batch FromOptions(const CommandLine& parsed, QString& error);
+    // The seconds --timeout gives the reading of one skeleton, the importer's default without it; an error line in
+    // `error` when it is no number.
+    static int ReadingTimeLimit(const CommandLine& parsed, QString& error);
 
     // The worst exit status over the files: 1 if any was unreadable, else 2 if any ended in error, else 0.
     int Run(const std::vector<Job>& jobs, int skipped);

@@ -114,7 +114,6 @@ int runBones(const QStringList& arguments)
         return fail(QStringLiteral("bones takes one SKELETON (see zelkin bones --help)"));
     Scene scene;
     SceneImporter importer;
-    importer.SetSourceReleasedAtExit(true);
     if (!importer.Import(parsed.Positionals().first(), scene))
         return fail(importer.ErrorText());
     const SceneHub hub(scene);

@@ -44,7 +44,7 @@ CommandLine Options()
          {{"big-endian"}, "", "write .zelc streams big-endian"},
          {{"recursive"}, "", "search below the given folders too"},
          {{"j", "jobs"}, "N", "workers for several skeletons (default: one per core)"},
-         {{"timeout"}, "SECONDS", "a skeleton whose reading takes longer is reported unreadable (default 300, 0 for "
+         {{"timeout"}, "SECONDS", "a skeleton whose reading takes longer is reported unreadable (default 120, 0 for "
                                   "no limit)"},
          {{"json"}, "", "JSON instead of text: one document, or for several skeletons one line per file (JSON "
                         "Lines) and a summary last"},
@@ -195,7 +195,10 @@ int CharacterizeOne(const CommandLine& parsed, const SkeletonMapping& mapping, c
     run.bigEndian = parsed.Has(QStringLiteral("big-endian"));
     Scene scene;
     SceneImporter importer;
-    importer.SetSourceReleasedAtExit(true);
+    QString error;
+    importer.SetTimeLimit(Batch::ReadingTimeLimit(parsed, error));
+    if (!error.isEmpty())
+        return fail(error);
     if (!importer.Import(run.skeleton, scene))
         return fail(importer.ErrorText());
     SceneHub hub(scene);
@@ -203,7 +206,6 @@ int CharacterizeOne(const CommandLine& parsed, const SkeletonMapping& mapping, c
     model.RenameCharacterization(QFileInfo(run.skeleton).completeBaseName(),
                                  model.GetCurrentCharacterization()->GetName());
 
-    QString error;
     // Without a template or a prefix the skeleton speaks for itself; templates are the fallback for skeletons in
     // which no humanoid is found.
     const bool recognized = !mapping.UsesTemplates() && CharacterizeRecognized(model, mapping, run, error);

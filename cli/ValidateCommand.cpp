@@ -27,8 +27,8 @@ CommandLine Options()
         {{{"skeleton"}, "SKELETON", "take the mapped bones' geometry from this skeleton"},
          {{"recursive"}, "", "search below the given folders too"},
          {{"j", "jobs"}, "N", "workers for several files (default: one per core)"},
-         {{"timeout"}, "SECONDS", "a file whose reading takes longer is reported unreadable (default 300, 0 for no "
-                                  "limit)"},
+         {{"timeout"}, "SECONDS", "a --skeleton whose reading takes longer is reported unreadable (default 120, 0 "
+                                  "for no limit)"},
          {{"json"}, "", "JSON instead of text: one document, or for several files one line per file (JSON Lines) "
                         "and a summary last"},
          {{"worker"}, "", "", true}});
@@ -90,6 +90,10 @@ int runValidate(const QStringList& arguments)
     if (!skeleton.isNull())
     {
         SceneImporter importer;
+        QString error;
+        importer.SetTimeLimit(Batch::ReadingTimeLimit(parsed, error));
+        if (!error.isEmpty())
+            return fail(error);
         if (!importer.Import(skeleton, scene))
             return fail(importer.ErrorText());
         hub = std::make_unique<SceneHub>(scene);

@@ -20,17 +20,26 @@
 #include <zelkin/CharacterizationModel.h>
 #include <zelkin/UserConfiguration.h>
 
+#include "Autosave.h"
 #include "BoneTreeWidget.h"
 #include "RecentFiles.h"
+#include "StudioPreferences.h"
 
 namespace
 {
-QString RecentFilesPath(const QString& configurationDirectory)
+// The studio's files beside the panel's configuration.
+QString StudioFilePath(const QString& configurationDirectory, const QString& name)
 {
     const QString folder = configurationDirectory.isEmpty()
                                ? QFileInfo(UserConfiguration::ConfigFilePath()).absolutePath()
                                : QDir(configurationDirectory).filePath(QStringLiteral("config"));
-    return QDir(folder).filePath(QStringLiteral("zelkin_studio.xml"));
+    return QDir(folder).filePath(name);
+}
+
+QString AutosaveFolder(const QString& configurationDirectory)
+{
+    return configurationDirectory.isEmpty() ? Autosave::DefaultFolder()
+                                            : QDir(configurationDirectory).filePath(QStringLiteral("autosave"));
 }
 
 QString StateText(ValidationState state)
@@ -64,7 +73,10 @@ QStringList LocalFiles(const QMimeData* data)
 
 MainWindow::MainWindow(const QString& configurationDirectory, QWidget* parent)
     : QMainWindow(parent)
-    , mRecent(std::make_unique<RecentFiles>(RecentFilesPath(configurationDirectory)))
+    , mRecent(std::make_unique<RecentFiles>(StudioFilePath(configurationDirectory, QStringLiteral("zelkin_studio.xml"))))
+    , mPreferences(std::make_unique<StudioPreferences>(
+          StudioFilePath(configurationDirectory, QStringLiteral("zelkin_studio.ini"))))
+    , mAutosave(std::make_unique<Autosave>(mSession, AutosaveFolder(configurationDirectory)))
 {
     setObjectName(QStringLiteral("ZelkinStudio"));
     setAcceptDrops(true);
@@ -85,12 +97,16 @@ MainWindow::MainWindow(const QString& configurationDirectory, QWidget* parent)
     statusBar()->addPermanentWidget(mValidationLabel);
     ConnectViews();
     resize(1440, 900);
+    ApplyPreferences(mPreferences->ReadingTimeLimit(), mPreferences->AutosaveMinutes());
+    connect(mAutosave.get(), &Autosave::Failed, this, [this](const QString& error) { ShowStatus(error); });
     UpdateState();
     ShowStatus(tr("Open a skeleton or a project to begin."));
 }
 
 MainWindow::~MainWindow()
 {
+    // The autosave reads the session and the panel: it goes before them.
+    mAutosave.reset();
     // The session and the panel send their last notices while they go: nothing here is to answer them.
     disconnect(&mSession, nullptr, this, nullptr);
     disconnect(&mSession.GetUndoStack(), nullptr, this, nullptr);

@@ -7,10 +7,11 @@
 #include <QMainWindow>
 #include <QString>
 
-#include "ImportProgress.h"
+#include "SceneImporter.h"
 #include "SkeletonViewport.h"
 #include "StudioSession.h"
 
+class Autosave;
 class BoneTreeWidget;
 class CharacterTool;
 class QActionGroup;
@@ -18,6 +19,7 @@ class QComboBox;
 class QLabel;
 class QMenu;
 class RecentFiles;
+class StudioPreferences;
 
 // Zelkin Studio's window: the bone tree on the left, the skeleton viewport in the middle, the characterization panel
 // on the right, and the menus that drive them. Files can be dropped on it; the status bar shows the model's last
@@ -27,8 +29,8 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    // configurationDirectory: the panel's configuration and templates, and the recent files list; the per-user
-    // folder when empty.
+    // configurationDirectory: the panel's configuration and templates, the recent files list, the preferences and
+    // the autosave; the per-user folders when empty.
     explicit MainWindow(const QString& configurationDirectory = QString(), QWidget* parent = nullptr);
     ~MainWindow() override;
 
@@ -46,6 +48,14 @@ public:
     bool RenameBone(const QString& bone, const QString& newName);
     // All in one undoable step.
     bool DeleteBones(const QStringList& bones);
+
+    // At start: offers back the newest work a studio that crashed or was killed left in the autosave. Restore
+    // brings it back, unsaved; Discard drops it; Not Now keeps it for the next start. True when work was restored.
+    bool OfferRestore();
+    Autosave& GetAutosave() const { return *mAutosave; }
+    StudioPreferences& GetPreferences() const { return *mPreferences; }
+    // Takes new preferences and applies them at once.
+    void ApplyPreferences(int readingTimeLimit, int autosaveMinutes);
 
     StudioSession& GetSession() { return mSession; }
     CharacterTool* GetTool() const { return mTool; }
@@ -73,6 +83,7 @@ public slots:
     void OnAutoCharacterize(bool selectedCharacter);
     void OnToggleLock();
     void OnToggleMirror();
+    void OnPreferences();
     void UpdateState();
 
 protected:
@@ -81,7 +92,7 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
-    using ImportJob = std::function<bool(const ImportProgress::Callback&, QString&)>;
+    using ImportJob = std::function<bool(const SceneImporter::ProgressCallback&, QString&)>;
 
     void BuildDocks(const QString& configurationDirectory);
     void BuildFileMenu();
@@ -104,6 +115,8 @@ private:
     void ShowStatus(const QString& text);
     // Asks to save unsaved work first; false when the user would rather stay.
     bool MaybeSave();
+    // The autosave before something that could go wrong; a failure is said in the status bar.
+    void AutosaveNow();
     QString SelectedBone() const;
 
     void FillRecentMenu();
@@ -113,6 +126,8 @@ private:
 
     StudioSession mSession;
     std::unique_ptr<RecentFiles> mRecent;
+    std::unique_ptr<StudioPreferences> mPreferences;
+    std::unique_ptr<Autosave> mAutosave;
     bool mBatch = false;
     CharacterTool* mTool = nullptr;
     SkeletonViewport* mViewport = nullptr;

@@ -4,18 +4,25 @@
 
 #include <cstdio>
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
+#include <QLocale>
 #include <QMessageBox>
 #include <QProgressDialog>
+#include <QPushButton>
 
 #include <zelkin/Characterization.h>
 #include <zelkin/CharacterTool.h>
 #include <zelkin/CharacterizationModel.h>
 
+#include "Autosave.h"
+#include "PreferencesDialog.h"
 #include "RecentFiles.h"
+#include "StudioPreferences.h"
 
 namespace
 {
@@ -49,14 +56,14 @@ bool MainWindow::OpenFile(const QString& path)
 
 bool MainWindow::OpenSkeleton(const QString& path)
 {
-    return OpenWith(path, tr("Open Skeleton"), [this, &path](const ImportProgress::Callback& progress, QString& problem) {
+    return OpenWith(path, tr("Open Skeleton"), [this, &path](const SceneImporter::ProgressCallback& progress, QString& problem) {
         return mSession.OpenSkeleton(path, progress, problem);
     });
 }
 
 bool MainWindow::OpenProject(const QString& path)
 {
-    return OpenWith(path, tr("Open Project"), [this, &path](const ImportProgress::Callback& progress, QString& problem) {
+    return OpenWith(path, tr("Open Project"), [this, &path](const SceneImporter::ProgressCallback& progress, QString& problem) {
         return mSession.OpenProject(path, progress, problem);
     });
 }
@@ -65,6 +72,8 @@ bool MainWindow::OpenWith(const QString& path, const QString& title, const Impor
 {
     if (!MaybeSave())
         return false;
+    // Whatever the file does to the reader, the work as it stands is kept.
+    AutosaveNow();
     QString error;
     const bool opened = RunImport(path, job, error);
     return ConcludeOpen(opened, path, title, error);
@@ -78,8 +87,15 @@ bool MainWindow::RunImport(const QString& path, const ImportJob& job, QString& e
     dialog.setWindowTitle(tr("Zelkin Studio"));
     dialog.setWindowModality(Qt::WindowModal);
     dialog.setMinimumDuration(300);
-    const ImportProgress::Callback progress = [&dialog](int percent) {
+    QElapsedTimer clock;
+    clock.start();
+    const SceneImporter::ProgressCallback progress = [&dialog, &clock](int percent) {
         dialog.setValue(percent);
+        // The dialog shows itself only when the value moves; a reader that is stuck must still be cancellable.
+        if (!dialog.isVisible() && clock.elapsed() >= dialog.minimumDuration())
+            dialog.show();
+        if (dialog.isVisible())
+            QCoreApplication::processEvents();
         return !dialog.wasCanceled();
     };
     return job(progress, error);
@@ -301,4 +317,65 @@ bool MainWindow::MaybeSave()
     if (answer == QMessageBox::Save)
         return OnSaveProject();
     return answer == QMessageBox::Discard;
+}
+
+void MainWindow::AutosaveNow()
+{
+    QString error;
+    if (!mAutosave->SaveNow(error))
+        ShowStatus(error);
+}
+
+bool MainWindow::OfferRestore()
+{
+    const std::vector<Autosave::Orphan> orphans = mAutosave->FindOrphans();
+    if (orphans.empty())
+        return false;
+    const Autosave::Orphan& newest = orphans.front();
+    const QString work = newest.projectPath.isEmpty() ? tr("unsaved work")
+                                                      : tr("changes to %1").arg(QFileInfo(newest.projectPath).fileName());
+    QMessageBox box(QMessageBox::Question, tr("Restore Work"),
+                    tr("Zelkin Studio did not close normally. It autosaved %1 at %2.\nDo you want to restore it?")
+                        .arg(work, QLocale().toString(newest.savedAt.toLocalTime(), QLocale::ShortFormat)),
+                    QMessageBox::NoButton, this);
+    QPushButton* restore = box.addButton(tr("&Restore"), QMessageBox::AcceptRole);
+    QPushButton* discard = box.addButton(tr("&Discard"), QMessageBox::DestructiveRole);
+    box.addButton(tr("&Not Now"), QMessageBox::RejectRole);
+    box.setDefaultButton(restore);
+    box.exec();
+    if (box.clickedButton() == discard)
+    {
+        mAutosave->Discard(newest);
+        return false;
+    }
+    if (box.clickedButton() != restore)
+        return false;
+    QString error;
+    if (!mSession.RestoreSnapshot(newest.snapshot, newest.projectPath, error))
+    {
+        // Kept: the skeleton may be back where it was another time.
+        ShowError(tr("Restore Work"), error);
+        return false;
+    }
+    mAutosave->Discard(newest);
+    AutosaveNow();
+    ShowStatus(tr("Restored the work autosaved at %1; it is not saved yet.")
+                   .arg(QLocale().toString(newest.savedAt.toLocalTime(), QLocale::ShortFormat)));
+    UpdateState();
+    return true;
+}
+
+void MainWindow::ApplyPreferences(int readingTimeLimit, int autosaveMinutes)
+{
+    if (!mPreferences->Set(readingTimeLimit, autosaveMinutes))
+        ShowStatus(tr("The preferences cannot be written; they hold until the studio closes."));
+    mSession.SetReadingTimeLimit(mPreferences->ReadingTimeLimit());
+    mAutosave->SetInterval(mPreferences->AutosaveMinutes());
+}
+
+void MainWindow::OnPreferences()
+{
+    PreferencesDialog dialog(mPreferences->ReadingTimeLimit(), mPreferences->AutosaveMinutes(), this);
+    if (dialog.exec() == QDialog::Accepted)
+        ApplyPreferences(dialog.ReadingTimeLimit(), dialog.AutosaveMinutes());
 }

@@ -94,6 +94,9 @@ void MainWindow::BuildEditMenu()
         mViewport->addAction(action);
     }
     mBoneTree->GetTree()->setContextMenuPolicy(Qt::ActionsContextMenu);
+    menu->addSeparator();
+    AddAction(menu, tr("&Preferences..."), QKeySequence(Qt::CTRL | Qt::Key_Comma), [this] { OnPreferences(); })
+        ->setMenuRole(QAction::PreferencesRole);
 }
 
 void MainWindow::BuildCharacterMenu()

@@ -43,7 +43,7 @@ CharacterizationModel* StudioSession::GetModel() const
     return mTool != nullptr ? mTool->GetModel() : nullptr;
 }
 
-bool StudioSession::OpenSkeleton(const QString& path, const ImportProgress::Callback& progress, QString& error)
+bool StudioSession::OpenSkeleton(const QString& path, const SceneImporter::ProgressCallback& progress, QString& error)
 {
     Scene scene;
     if (GetModel() == nullptr || !ImportSkeleton(path, progress, scene, error))
@@ -63,7 +63,7 @@ bool StudioSession::OpenSkeleton(const QString& path, const ImportProgress::Call
     return true;
 }
 
-bool StudioSession::OpenProject(const QString& path, const ImportProgress::Callback& progress, QString& error)
+bool StudioSession::OpenProject(const QString& path, const SceneImporter::ProgressCallback& progress, QString& error)
 {
     ProjectFile project;
     if (GetModel() == nullptr || !project.Read(path, error))
@@ -92,6 +92,14 @@ bool StudioSession::OpenProject(const QString& path, const ImportProgress::Callb
 
 bool StudioSession::SaveProject(const QString& path, QString& error)
 {
+    if (!WriteSnapshot(path, error))
+        return false;
+    MarkSaved(QFileInfo(path).absoluteFilePath());
+    return true;
+}
+
+bool StudioSession::WriteSnapshot(const QString& path, QString& error)
+{
     if (!HasSkeleton() || GetModel() == nullptr)
     {
         error = tr("There is no skeleton to keep in a project: open one first.");
@@ -100,9 +108,17 @@ bool StudioSession::SaveProject(const QString& path, QString& error)
     ProjectFile project;
     project.skeletonPath = QFileInfo(mScene.SourcePath()).absoluteFilePath();
     project.edits = mEdits;
-    if (!CollectEntries(project, error) || !project.Write(path, error))
+    return CollectEntries(project, error) && project.Write(path, error);
+}
+
+bool StudioSession::RestoreSnapshot(const QString& snapshotPath, const QString& projectPath, QString& error)
+{
+    if (!OpenProject(snapshotPath, nullptr, error))
         return false;
-    MarkSaved(QFileInfo(path).absoluteFilePath());
+    mProjectPath = projectPath.isEmpty() ? QString() : QFileInfo(projectPath).absoluteFilePath();
+    // Restored work was never saved where it belongs.
+    mSavedSignature.clear();
+    emit ProjectChanged();
     return true;
 }
 
@@ -254,11 +270,12 @@ void StudioSession::NotifySkeletonChanged()
     emit SkeletonChanged();
 }
 
-bool StudioSession::ImportSkeleton(const QString& path, const ImportProgress::Callback& progress, Scene& scene,
+bool StudioSession::ImportSkeleton(const QString& path, const SceneImporter::ProgressCallback& progress, Scene& scene,
                                    QString& error) const
 {
     SceneImporter importer;
     importer.SetProgressCallback(progress);
+    importer.SetTimeLimit(mReadingTimeLimit);
     if (importer.Import(path, scene))
         return true;
     error = importer.WasCancelled() ? QString() : importer.ErrorText();

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QUndoStack>
 
-#include "ImportProgress.h"
+#include "SceneImporter.h"
 #include "ProjectFile.h"
 #include "Scene.h"
 #include "SceneHub.h"
@@ -42,9 +42,15 @@ public:
     // Each returns false with the one message for the user in `error`; an empty error means the user cancelled.
     // A new skeleton starts with one characterization for each humanoid found in it, or with one matched by the
     // template that fits it best when none is found.
-    bool OpenSkeleton(const QString& path, const ImportProgress::Callback& progress, QString& error);
-    bool OpenProject(const QString& path, const ImportProgress::Callback& progress, QString& error);
+    bool OpenSkeleton(const QString& path, const SceneImporter::ProgressCallback& progress, QString& error);
+    bool OpenProject(const QString& path, const SceneImporter::ProgressCallback& progress, QString& error);
     bool SaveProject(const QString& path, QString& error);
+    // A copy of the work as a project, for the autosave: the project path and the saved state stay as they are.
+    bool WriteSnapshot(const QString& path, QString& error);
+    // Opens a snapshot as the work of `projectPath` (empty for work never saved), with its changes unsaved.
+    bool RestoreSnapshot(const QString& snapshotPath, const QString& projectPath, QString& error);
+    // Seconds a skeleton may take to read; 0 for no limit.
+    void SetReadingTimeLimit(int seconds) { mReadingTimeLimit = seconds; }
 
     // The user's scene edits, each one undoable step; false when refused (unknown bone, name empty or taken).
     bool RenameBone(const QString& bone, const QString& newName);
@@ -57,6 +63,8 @@ public:
 
     // Something the project would save differs from what was last opened or saved.
     bool IsModified() const;
+    // What the project would save, in a form to compare.
+    QByteArray StateSignature() const;
 
     // Maps the current characterization afresh from the skeleton, as one undoable step: the character it maps
     // already (else the one holding the selection, else the first), or with `selectedCharacter` the one holding
@@ -83,7 +91,7 @@ signals:
     void ProjectChanged();
 
 private:
-    bool ImportSkeleton(const QString& path, const ImportProgress::Callback& progress, Scene& scene,
+    bool ImportSkeleton(const QString& path, const SceneImporter::ProgressCallback& progress, Scene& scene,
                         QString& error) const;
     static bool ReplayEdits(const QList<ProjectFile::BoneEdit>& edits, Scene& scene, QString& error);
     void ReplaceScene(Scene& scene);
@@ -97,7 +105,6 @@ private:
     // Restored characterizations bypass the hub: the bones' attach counts are counted again from the model.
     void RecountAttachments();
     bool CollectEntries(ProjectFile& project, QString& error);
-    QByteArray StateSignature() const;
     void MarkSaved(const QString& projectPath);
 
     Scene mScene;
@@ -109,4 +116,5 @@ private:
     QString mProjectPath;
     QByteArray mSavedSignature;
     QString mOpeningSummary;
+    int mReadingTimeLimit = SceneImporter::DefaultTimeLimit;
 };

@@ -89,6 +89,9 @@ int main(int argc, char** argv)
     MainWindow window(options.configurationDirectory);
     window.SetBatchMode(!options.screenshot.isEmpty());
     window.show();
+    // A picture of a file is no time to bring back other work.
+    if (options.screenshot.isEmpty())
+        window.OfferRestore();
     if (!options.file.isEmpty() && !window.OpenFile(options.file) && !options.screenshot.isEmpty())
         return 1;
     ApplyViewOptions(window, options);

@@ -18,3 +18,10 @@ if(NOT STEP_OUTPUT MATCHES "consumer: ok")
     message(FATAL_ERROR "unexpected output: ${STEP_OUTPUT}")
 endif()
 message(STATUS "${STEP_OUTPUT}")
+
+# The installed command line finds the installed skeleton reader, not the build tree's.
+run_step("installed zelkin" ${CMAKE_COMMAND} -E env "LD_LIBRARY_PATH=${WORK_DIR}/prefix/lib"
+    "${WORK_DIR}/prefix/bin/zelkin" bones "${SAMPLE_SKELETON}")
+if(NOT STEP_OUTPUT MATCHES "LeftForeArm")
+    message(FATAL_ERROR "the installed zelkin read no skeleton: ${STEP_OUTPUT}")
+endif()

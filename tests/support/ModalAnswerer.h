@@ -16,6 +16,12 @@ public:
         QObject::connect(&mTimer, &QTimer::timeout, [this] { AnswerOpenBox(); });
         mTimer.start(5);
     }
+    // Clicks the button of this text, shortcut marks left out ("Restore" for "&Restore").
+    explicit ModalAnswerer(const QString& buttonText)
+        : ModalAnswerer(QMessageBox::NoButton)
+    {
+        mButtonText = buttonText;
+    }
 
     int Count() const { return titles.size(); }
 
@@ -30,12 +36,25 @@ private:
             return;
         titles.append(box->windowTitle());
         texts.append(box->text());
-        if (QAbstractButton* button = box->button(mAnswer))
+        if (QAbstractButton* button = Chosen(*box))
             button->click();
         else
             box->reject();
     }
 
+    QAbstractButton* Chosen(const QMessageBox& box) const
+    {
+        if (mButtonText.isEmpty())
+            return box.button(mAnswer);
+        for (QAbstractButton* button : box.buttons())
+        {
+            if (button->text().remove(QLatin1Char('&')) == mButtonText)
+                return button;
+        }
+        return nullptr;
+    }
+
     QMessageBox::StandardButton mAnswer;
+    QString mButtonText;
     QTimer mTimer;
 };

@@ -1,34 +1,44 @@
 #pragma once
 
+#include <map>
+#include <string>
 #include <vector>
 
-#include <QHash>
-#include <QMatrix4x4>
-#include <QQuaternion>
-#include <QString>
+#include <assimp/matrix4x4.h>
+#include <assimp/quaternion.h>
 
 #include <zelkin/ZELSolver.h>
 
 struct aiNode;
 struct aiScene;
-class Scene;
 
-// Picks the skeleton out of an imported node tree and adds it to a scene.
+// Picks the skeleton out of an imported node tree.
 //
 // With skinned meshes, the bones are the nodes that skin a mesh and their ancestors below the root. Without, every
 // node is a joint except the root (unless an animation drives it, as a BVH root), nodes holding meshes, cameras or
 // lights, and BVH end sites: those are leaf markers, not joints anyone maps. Assimp's FBX pivot helpers
 // ("Name_$AssimpFbx$_PreRotation" ...) are never bones: their transforms fold into the bones below them, and a
 // pre-rotation helper gives its bone's pre-rotation. Nodes that are not bones still count in the transforms.
-class SceneBuilder
+class SkeletonExtraction
 {
 public:
-    // `orders`: rotation orders by node name, for formats that keep them outside the node tree.
-    SceneBuilder(const aiScene& source, const QHash<QString, ZELRotationOrder>& orders);
+    struct Bone
+    {
+        std::string name;  // unique: a name that is empty or taken gets a numbered suffix
+        int parent = -1;   // an earlier bone
+        aiMatrix4x4 local; // from the parent bone (for a root, from the world)
+        aiQuaternion preRotation;
+        ZELRotationOrder rotationOrder = ZELEulerXYZ;
+        bool skinsMesh = false;
+        bool hasTip = false;
+        aiVector3D tip; // where a marker leaf says the bone ends, in its own frame
+    };
 
-    // Adds the bones parent-first in file order. A name that is empty or already taken gets a numbered suffix,
-    // since the tool knows bones by name alone.
-    void Build(Scene& scene) const;
+    // `orders`: rotation orders by node name, for formats that keep them outside the node tree.
+    SkeletonExtraction(const aiScene& source, const std::map<std::string, ZELRotationOrder>& orders);
+
+    // The bones parent-first, in file order.
+    std::vector<Bone> Bones() const;
 
 private:
     struct Entry
@@ -44,14 +54,11 @@ private:
     void MarkJoints();
     bool IsHolder(const aiNode& node) const;
     bool IsAnimated(const aiNode& node) const;
-    // A leaf that marks where its bone ends rather than anything of its own.
     bool IsTipMarker(const aiNode& node) const;
     void CollectPreRotations();
-    QString UniqueName(const Scene& scene, const QString& wanted) const;
 
     const aiScene& mSource;
-    const QHash<QString, ZELRotationOrder> mOrders;
-    // Pre-order, so every parent comes before its children.
-    std::vector<Entry> mEntries;
-    QHash<QString, QQuaternion> mPreRotations;
+    const std::map<std::string, ZELRotationOrder> mOrders;
+    std::vector<Entry> mEntries; // pre-order, so every parent comes before its children
+    std::map<std::string, aiQuaternion> mPreRotations;
 };

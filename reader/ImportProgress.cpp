@@ -9,17 +9,14 @@ ImportProgress::ImportProgress(Callback callback, int64_t fileSize)
 {
 }
 
-bool ImportProgress::Report(int percent)
+void ImportProgress::Report(int percent)
 {
-    if (mCancelled)
-        return false;
     percent = std::clamp(percent, 0, 100);
     if (percent <= mPercent)
-        return true;
+        return;
     mPercent = percent;
-    if (mCallback && !mCallback(percent))
-        mCancelled = true;
-    return !mCancelled;
+    if (mCallback)
+        mCallback(percent);
 }
 
 void ImportProgress::AddBytesRead(int64_t bytes)

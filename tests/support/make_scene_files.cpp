@@ -1,7 +1,9 @@
-// Writes the scene fuzzers' seeds from one BVH skeleton: the file itself, and the skeleton as Assimp exports it to
-// glTF (binary, and text with its buffer embedded), FBX (binary and ASCII) and Collada: the whole skeleton with its
-// motion, and a few joints skinning a small mesh, so that both ways the scene library finds bones are fuzzed.
-// Usage: make_scene_seeds <skeleton.bvh> <output directory>
+// Writes skeleton files in a dozen formats from one BVH skeleton, for the scene fuzzers' seeds and for the tests of
+// damaged files: the file itself, and the skeleton as Assimp exports it: glTF (binary, and text with its buffer
+// embedded), FBX (binary and ASCII), Collada, DirectX, Assimp's binary dump, each whole with its motion; and a few
+// joints skinning a small mesh, in those and in the formats that keep meshes only (OBJ, STL, PLY, 3DS), so that
+// both ways the scene library finds bones, and files without any, are covered. One folder per format.
+// Usage: make_scene_files <skeleton.bvh> <output directory>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -34,16 +36,17 @@ struct Format
     const char* id; // the Assimp exporter
     const char* directory;
     const char* extension;
-    // The whole skeleton in FBX is some 300 KiB, which slows the fuzzer down several times over; the small skinned
-    // one has the same kinds of records.
+    // Also the whole skeleton. In FBX it is some 300 KiB, which slows the fuzzer down several times over (the small
+    // skinned one has the same kinds of records), and the formats of meshes alone have nothing to write of it.
     bool whole;
 };
 
-const Format Formats[] = {{"glb2", "gltf", "glb", true},
-                          {"gltf2", "gltf", "gltf", true},
-                          {"fbx", "fbx", "fbx", false},
-                          {"fbxa", "fbx", "fbx", false},
-                          {"collada", "collada", "dae", true}};
+const Format Formats[] = {{"glb2", "gltf", "glb", true},      {"gltf2", "gltf", "gltf", true},
+                          {"fbx", "fbx", "fbx", false},       {"fbxa", "fbx", "fbx", false},
+                          {"collada", "collada", "dae", true}, {"x", "x", "x", true},
+                          {"assbin", "assbin", "assbin", true}, {"obj", "obj", "obj", false},
+                          {"stlb", "stl", "stl", false},      {"ply", "ply", "ply", false},
+                          {"3ds", "3ds", "3ds", false}};
 
 bool WriteFile(const QString& path, const QByteArray& bytes)
 {

@@ -4,8 +4,7 @@
 
 class ImportProgress;
 
-// Assimp's own progress steps. Assimp 5.2 mostly ignores the answer, so cancelling also relies on the reads
-// failing (ProgressIOSystem) and on the importer checking afterwards.
+// Assimp's own progress steps.
 class ImportProgressHandler : public Assimp::ProgressHandler
 {
 public:

@@ -11,6 +11,6 @@ bool ImportProgressHandler::Update(float fraction)
 {
     // Assimp reports half-way once the file is parsed and the rest for post-processing, which we do not ask for.
     if (fraction >= 0.5f)
-        return mProgress.Report(ImportProgress::ParsedPercent);
-    return !mProgress.IsCancelled();
+        mProgress.Report(ImportProgress::ParsedPercent);
+    return true;
 }

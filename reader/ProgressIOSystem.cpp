@@ -9,7 +9,7 @@
 
 namespace {
 
-// Large reads are split so that progress moves and a cancel takes effect while a big file comes in.
+// Large reads are split so that progress moves while a big file comes in.
 constexpr size_t kChunkBytes = 256 * 1024;
 
 class ProgressStream : public Assimp::IOStream
@@ -23,12 +23,12 @@ public:
 
     size_t Read(void* buffer, size_t size, size_t count) override
     {
-        if (size == 0 || mProgress.IsCancelled())
+        if (size == 0)
             return 0;
         const size_t perChunk = std::max<size_t>(1, kChunkBytes / size);
         char* out = static_cast<char*>(buffer);
         size_t done = 0;
-        while (done < count && !mProgress.IsCancelled())
+        while (done < count)
         {
             const size_t wanted = std::min(perChunk, count - done);
             const size_t got = mInner->Read(out + done * size, size, wanted);
@@ -37,7 +37,7 @@ public:
             if (got < wanted)
                 break;
         }
-        return mProgress.IsCancelled() ? 0 : done;
+        return done;
     }
 
     size_t Write(const void* buffer, size_t size, size_t count) override
@@ -63,8 +63,6 @@ ProgressIOSystem::ProgressIOSystem(ImportProgress& progress)
 
 Assimp::IOStream* ProgressIOSystem::Open(const char* file, const char* mode)
 {
-    if (mProgress.IsCancelled())
-        return nullptr;
     Assimp::IOStream* inner = DefaultIOSystem::Open(file, mode);
     return inner == nullptr ? nullptr : new ProgressStream(inner, mProgress);
 }

@@ -1,29 +1,20 @@
-#include "SceneBuilder.h"
+#include "SkeletonExtraction.h"
 
 #include <cstring>
-#include <string>
-#include <unordered_map>
+#include <set>
 #include <unordered_set>
 
 #include <assimp/scene.h>
 
-#include "Scene.h"
-
-namespace {
-
+namespace
+{
 const char kHelperTag[] = "_$AssimpFbx$_";
-const char kPreRotationHelper[] = "PreRotation";
+const char kPreRotationHelper[] = "_$AssimpFbx$_PreRotation";
 const char kEndSitePrefix[] = "EndSite_";
 
-QString NodeName(const aiNode& node)
+std::string NodeName(const aiNode& node)
 {
-    return QString::fromUtf8(node.mName.C_Str(), static_cast<int>(node.mName.length));
-}
-
-QMatrix4x4 ToQt(const aiMatrix4x4& m)
-{
-    // Both are row-major in their constructors' arguments.
-    return QMatrix4x4(m.a1, m.a2, m.a3, m.a4, m.b1, m.b2, m.b3, m.b4, m.c1, m.c2, m.c3, m.c4, m.d1, m.d2, m.d3, m.d4);
+    return std::string(node.mName.C_Str(), node.mName.length);
 }
 
 bool IsHelper(const aiNode& node)
@@ -34,14 +25,17 @@ bool IsHelper(const aiNode& node)
 bool IsEndSite(const aiNode& node)
 {
     return node.mNumChildren == 0 && node.mParent != nullptr &&
-           std::string(node.mName.C_Str()) == kEndSitePrefix + std::string(node.mParent->mName.C_Str());
+           NodeName(node) == kEndSitePrefix + NodeName(*node.mParent);
 }
 
+bool EndsWith(const std::string& text, const std::string& end)
+{
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
 } // namespace
 
-SceneBuilder::SceneBuilder(const aiScene& source, const QHash<QString, ZELRotationOrder>& orders)
-    : mSource(source)
-    , mOrders(orders)
+SkeletonExtraction::SkeletonExtraction(const aiScene& source, const std::map<std::string, ZELRotationOrder>& orders)
+    : mSource(source), mOrders(orders)
 {
     CollectNodes();
     bool skinned = false;
@@ -54,7 +48,7 @@ SceneBuilder::SceneBuilder(const aiScene& source, const QHash<QString, ZELRotati
     CollectPreRotations();
 }
 
-void SceneBuilder::CollectNodes()
+void SkeletonExtraction::CollectNodes()
 {
     if (mSource.mRootNode == nullptr)
         return;
@@ -74,7 +68,7 @@ void SceneBuilder::CollectNodes()
     }
 }
 
-void SceneBuilder::MarkSkinnedBones()
+void SkeletonExtraction::MarkSkinnedBones()
 {
     std::unordered_set<std::string> skinning;
     for (unsigned m = 0; m < mSource.mNumMeshes; ++m)
@@ -101,7 +95,7 @@ void SceneBuilder::MarkSkinnedBones()
     }
 }
 
-void SceneBuilder::MarkJoints()
+void SkeletonExtraction::MarkJoints()
 {
     for (size_t i = 0; i < mEntries.size(); ++i)
     {
@@ -111,7 +105,7 @@ void SceneBuilder::MarkJoints()
     }
 }
 
-bool SceneBuilder::IsHolder(const aiNode& node) const
+bool SkeletonExtraction::IsHolder(const aiNode& node) const
 {
     if (node.mNumMeshes > 0)
         return true;
@@ -128,12 +122,12 @@ bool SceneBuilder::IsHolder(const aiNode& node) const
     return false;
 }
 
-bool SceneBuilder::IsTipMarker(const aiNode& node) const
+bool SkeletonExtraction::IsTipMarker(const aiNode& node) const
 {
     return node.mNumChildren == 0 && !IsHolder(node) && !IsHelper(node);
 }
 
-bool SceneBuilder::IsAnimated(const aiNode& node) const
+bool SkeletonExtraction::IsAnimated(const aiNode& node) const
 {
     for (unsigned a = 0; a < mSource.mNumAnimations; ++a)
     {
@@ -147,37 +141,38 @@ bool SceneBuilder::IsAnimated(const aiNode& node) const
     return false;
 }
 
-void SceneBuilder::CollectPreRotations()
+void SkeletonExtraction::CollectPreRotations()
 {
-    const QString suffix = QLatin1String(kHelperTag) + QLatin1String(kPreRotationHelper);
     for (const Entry& entry : mEntries)
     {
-        const QString name = NodeName(*entry.node);
-        if (!name.endsWith(suffix))
+        const std::string name = NodeName(*entry.node);
+        if (!EndsWith(name, kPreRotationHelper))
             continue;
         aiVector3D scale;
         aiQuaternion rotation;
         aiVector3D position;
         entry.node->mTransformation.Decompose(scale, rotation, position);
-        mPreRotations.insert(name.chopped(suffix.size()), QQuaternion(rotation.w, rotation.x, rotation.y, rotation.z));
+        mPreRotations[name.substr(0, name.size() - std::strlen(kPreRotationHelper))] = rotation;
     }
 }
 
-void SceneBuilder::Build(Scene& scene) const
+std::vector<SkeletonExtraction::Bone> SkeletonExtraction::Bones() const
 {
+    std::vector<Bone> bones;
+    std::set<std::string> taken;
     // Per entry: the transform from its nearest bone ancestor (or the world) down to and including it, and the
-    // bone it hangs under in the scene.
-    std::vector<QMatrix4x4> sinceBone(mEntries.size());
-    std::vector<int> sceneParent(mEntries.size(), -1);
+    // bone it hangs under.
+    std::vector<aiMatrix4x4> sinceBone(mEntries.size());
+    std::vector<int> boneAbove(mEntries.size(), -1);
     for (size_t i = 0; i < mEntries.size(); ++i)
     {
         const Entry& entry = mEntries[i];
-        const QMatrix4x4 transform = ToQt(entry.node->mTransformation);
+        const aiMatrix4x4& transform = entry.node->mTransformation;
         if (entry.parent >= 0)
         {
             const Entry& parent = mEntries[entry.parent];
             sinceBone[i] = parent.bone ? transform : sinceBone[entry.parent] * transform;
-            sceneParent[i] = sceneParent[entry.parent];
+            boneAbove[i] = boneAbove[entry.parent];
         }
         else
         {
@@ -185,35 +180,35 @@ void SceneBuilder::Build(Scene& scene) const
         }
         if (!entry.bone)
         {
-            SceneBone* owner = entry.parent >= 0 && mEntries[entry.parent].bone && sceneParent[i] >= 0
-                                   ? &scene.Bone(sceneParent[i])
-                                   : nullptr;
+            // A marker leaf right under a bone tells where that bone ends; the first one does.
+            Bone* owner = entry.parent >= 0 && mEntries[entry.parent].bone && boneAbove[i] >= 0 ? &bones[boneAbove[i]]
+                                                                                                 : nullptr;
             if (owner != nullptr && !owner->hasTip && IsTipMarker(*entry.node))
             {
                 owner->hasTip = true;
-                owner->tip = transform.column(3).toVector3D();
+                owner->tip = aiVector3D(transform.a4, transform.b4, transform.c4);
             }
             continue;
         }
-
-        const QString name = NodeName(*entry.node);
-        SceneBone bone;
-        bone.name = UniqueName(scene, name);
-        bone.parent = sceneParent[i];
+        const std::string name = NodeName(*entry.node);
+        Bone bone;
+        // The tool knows bones by name alone.
+        const std::string base = name.empty() ? std::string("bone") : name;
+        bone.name = base;
+        for (int number = 2; taken.count(bone.name) > 0; ++number)
+            bone.name = base + "_" + std::to_string(number);
+        taken.insert(bone.name);
+        bone.parent = boneAbove[i];
         bone.local = sinceBone[i];
-        bone.preRotation = mPreRotations.value(name);
-        bone.rotationOrder = mOrders.value(name, ZELEulerXYZ);
+        const auto pre = mPreRotations.find(name);
+        if (pre != mPreRotations.end())
+            bone.preRotation = pre->second;
+        const auto order = mOrders.find(name);
+        if (order != mOrders.end())
+            bone.rotationOrder = order->second;
         bone.skinsMesh = entry.skinning;
-        // The parent was added before, so this cannot be refused.
-        sceneParent[i] = scene.AddBone(bone);
+        boneAbove[i] = static_cast<int>(bones.size());
+        bones.push_back(bone);
     }
-}
-
-QString SceneBuilder::UniqueName(const Scene& scene, const QString& wanted) const
-{
-    const QString base = wanted.isEmpty() ? QStringLiteral("bone") : wanted;
-    QString name = base;
-    for (int number = 2; scene.IndexOf(name) >= 0; ++number)
-        name = QStringLiteral("%1_%2").arg(base).arg(number);
-    return name;
+    return bones;
 }

@@ -4,8 +4,7 @@
 
 class ImportProgress;
 
-// The default file system, with every read counted towards the import's progress and refused once the import is
-// cancelled, which makes Assimp give up on the file.
+// The default file system, with every read counted towards the import's progress.
 class ProgressIOSystem : public Assimp::DefaultIOSystem
 {
 public:
