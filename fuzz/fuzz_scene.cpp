@@ -77,6 +77,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const QString path = FuzzHost::Write(FileName(data, size), data, size);
     Scene scene;
     SceneImporter importer;
+    // Some inputs make Assimp loop for ever; a user's time limit is minutes, a fuzzer's is seconds.
+    importer.SetTimeLimit(10);
     if (!importer.Import(path, scene))
     {
         require(scene.IsEmpty() && importer.ErrorText().startsWith(QLatin1String("cannot read ")));

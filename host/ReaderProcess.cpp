@@ -83,7 +83,11 @@ ReaderProcess::End ReaderProcess::Run(const QString& path, const Limits& limits,
     };
     for (;;)
     {
-        process.waitForReadyRead(kPollMilliseconds);
+        // Looked at before reading: once the reader is gone, everything it sent is in the buffer, also when its
+        // end was handled in an event loop the progress callback ran.
+        const bool ended = process.state() == QProcess::NotRunning;
+        if (!ended)
+            process.waitForReadyRead(kPollMilliseconds);
         answer.Feed(process.readAllStandardOutput());
         if (limits.answerBytes > 0 && answer.Size() > limits.answerBytes)
             return stop(End::Flooded);
@@ -98,7 +102,7 @@ ReaderProcess::End ReaderProcess::Run(const QString& path, const Limits& limits,
             if (progress && !progress(percent))
                 return stop(End::Cancelled);
         }
-        if (process.state() == QProcess::NotRunning)
+        if (ended)
             break;
         if (limits.seconds > 0 && clock.elapsed() > qint64(limits.seconds) * 1000)
             return stop(End::TimedOut);

@@ -6,6 +6,7 @@
 #include <exception>
 #include <filesystem>
 #include <iterator>
+#include <memory>
 #include <new>
 #include <set>
 #include <utility>
@@ -154,9 +155,12 @@ void SkeletonReading::ReadOrThrow(const std::string& path)
         [this](int percent) { mSink(readerwire::Progress, std::string(1, char(percent))); },
         error ? 0 : int64_t(size));
     progress.Report(0);
-    // The importer owns both; they report to `progress`, so they go before it does.
-    mImporter.SetIOHandler(new ProgressIOSystem(progress));
-    mImporter.SetProgressHandler(new ImportProgressHandler(progress));
+    // Assimp hands handlers back to their owner when they are replaced by nothing: they stay ours, and report to
+    // `progress`, so they go before it does, detached first.
+    const auto files = std::make_unique<ProgressIOSystem>(progress);
+    const auto steps = std::make_unique<ImportProgressHandler>(progress);
+    mImporter.SetIOHandler(files.get());
+    mImporter.SetProgressHandler(steps.get());
     struct Detach
     {
         Assimp::Importer& importer;

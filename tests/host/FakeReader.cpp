@@ -1,5 +1,6 @@
 // Stands in for zelkin-reader (ZELKIN_READER) and misbehaves as its input file's first word says, the ways a
-// reader over a hostile file can: crash, hang, flood, babble, stop half-way, or try to take all the memory there is.
+// reader over a hostile file can: crash, hang, flood, babble, stop half-way, or try to take all the memory there is; or
+// answer late, but answer.
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -72,6 +73,14 @@ int main(int argc, char** argv)
         if (taken == nullptr)
             std::abort();
         Write(readerwire::FrameOf(readerwire::Failure, "nothing limited the address space"));
+    }
+    else if (mode == "late")
+    {
+        // The answer comes while the importer is busy with its first progress step, and the reader is gone by
+        // the time it looks again.
+        Start();
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        Write(readerwire::FrameOf(readerwire::Failure, "a late reason"));
     }
     else if (mode == "reason")
     {

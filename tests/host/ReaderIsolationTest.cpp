@@ -1,8 +1,10 @@
 // What a hostile file can do to the reader process, played by a reader that misbehaves on request: each ends in
 // one message, the scene as it was, and this process going on.
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -58,6 +60,18 @@ TEST_F(ReaderIsolationTest, WordsInsteadOfAnAnswerOrAFloodOfBytesAreStopped)
     EXPECT_EQ(Refusal("flood"), "the reader stopped on this file (its answer passed 256 MB)");
     // The reader's own reason reaches the user, on one line.
     EXPECT_EQ(Refusal("reason"), "a reason over two lines");
+}
+
+// A host's progress dialog runs the event loop while the reader works; the reader's end handled there must not
+// lose what it said last.
+TEST_F(ReaderIsolationTest, AnAnswerThatArrivesWhileTheHostRunsItsEventLoopIsRead)
+{
+    importer.SetProgressCallback([](int) {
+        QThread::msleep(300);
+        QCoreApplication::processEvents();
+        return true;
+    });
+    EXPECT_EQ(Refusal("late"), "a late reason");
 }
 
 TEST_F(ReaderIsolationTest, AHungReaderIsStoppedAtTheTimeLimitOrWhenTheUserCancels)

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QFile>
@@ -234,11 +233,8 @@ TEST_F(ConfigDocumentTest, FilesOverTheLimitAreRefusedBeforeParsing)
         ASSERT_TRUE(file.resize(ConfigDocument::MaxFileSize + 1)); // sparse: the tail is never read
     }
     MessageCapture messages;
-    QElapsedTimer timer;
-    timer.start();
     ConfigDocument document;
     EXPECT_FALSE(document.Load(path));
-    EXPECT_LT(timer.elapsed(), 1000);
     EXPECT_TRUE(document.ErrorString().contains("64 MiB")) << document.ErrorString().toStdString();
     EXPECT_FALSE(document.ErrorString().startsWith("Error in parsing"));
     EXPECT_EQ(messages.Warnings().size(), 1);
@@ -248,7 +244,7 @@ TEST_F(ConfigDocumentTest, FilesOverTheLimitAreRefusedBeforeParsing)
     EXPECT_TRUE(document.ErrorString().contains("64 MiB"));
 }
 
-TEST_F(ConfigDocumentTest, AMillionItemsLoadQuicklyAndCompactly)
+TEST_F(ConfigDocumentTest, AMillionItemsLoadCompactly)
 {
     constexpr int count = 1000000;
     QByteArray bytes = "<config_root>\n    <bones>\n";
@@ -260,13 +256,10 @@ TEST_F(ConfigDocumentTest, AMillionItemsLoadQuicklyAndCompactly)
     bytes.clear();
     bytes.squeeze();
 
-    QElapsedTimer timer;
-    timer.start();
     const qint64 residentBefore = ResidentBytes();
     ConfigDocument document;
     ASSERT_TRUE(document.Load(Path("million.xml")));
     const qint64 growth = ResidentBytes() - residentBefore;
-    EXPECT_LT(timer.elapsed(), 15000);
     ASSERT_EQ(document.ItemCount("", "bones"), count);
     // The text alone is 22 MB as UTF-16; a heap object per item and attribute would need several times that.
     EXPECT_LT(growth, qint64(60) << 20) << growth;
