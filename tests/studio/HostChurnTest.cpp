@@ -16,6 +16,7 @@
 #include <zelkin/TemplateLibrary.h>
 
 #include "ChurnChecks.h"
+#include "InProcessReading.h"
 #include "ModalAnswerer.h"
 #include "StudioFixture.h"
 
@@ -104,6 +105,8 @@ protected:
     void SetUp() override
     {
         StudioFixture::SetUp();
+        // Two thousand reloads: a reader process for each would be most of the run, and isolation is not the subject.
+        ReadSkeletonsInProcess();
         ASSERT_TRUE(work.isValid() && readerConfiguration.isValid());
         window->SetBatchMode(true);
         ASSERT_TRUE(window->OpenSkeleton(Sample()));
