@@ -1,5 +1,7 @@
 #include <zelkin/TPoseBuilder.h>
 
+#include <cmath>
+
 #include "AimPlan.h"
 #include "CharacterAxes.h"
 #include "PoseNodes.h"
@@ -50,7 +52,9 @@ TPoseBuilder::Matrix PosedLocal(const TPoseBuilder::Bone& bone, const RestSkelet
         return ToMatrix(posed);
     }
     const Eigen::Matrix3d parentLinear = skeleton.Global(parent).linear();
-    if (walk.Rides(index) || std::abs(parentLinear.determinant()) < 1e-12)
+    // A parent scaled flat has no frame to turn the bone in; its size sets what counts as flat.
+    const double size = parentLinear.norm();
+    if (walk.Rides(index) || std::abs(parentLinear.determinant()) <= 1e-9 * size * size * size)
         return bone.local;
     const Eigen::Matrix3d own = (walk.Inherited(index).conjugate() * walk.Turn(index)).toRotationMatrix();
     Eigen::Affine3d local = ToAffine(bone.local);
