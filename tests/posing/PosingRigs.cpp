@@ -33,17 +33,32 @@ std::vector<Rig> CorpusRigs()
     return rigs;
 }
 
-void TurnAll(Scene& scene, const QQuaternion& turn)
+namespace
 {
-    QMatrix4x4 rotation;
-    rotation.rotate(turn);
+void TransformRoots(Scene& scene, const QMatrix4x4& transform)
+{
     std::vector<std::pair<int, QMatrix4x4>> roots;
     for (int i = 0; i < scene.BoneCount(); ++i)
     {
         if (scene.Bone(i).parent < 0)
-            roots.emplace_back(i, rotation * scene.Bone(i).local);
+            roots.emplace_back(i, transform * scene.Bone(i).local);
     }
     scene.SetLocalTransforms(roots);
+}
+} // namespace
+
+void TurnAll(Scene& scene, const QQuaternion& turn)
+{
+    QMatrix4x4 rotation;
+    rotation.rotate(turn);
+    TransformRoots(scene, rotation);
+}
+
+void ScaleAll(Scene& scene, float factor)
+{
+    QMatrix4x4 scale;
+    scale.scale(factor);
+    TransformRoots(scene, scale);
 }
 
 void TurnBone(Scene& scene, const QString& bone, const QVector3D& axis, float degrees)

@@ -23,8 +23,9 @@ struct Rig
 // The corpus skeletons of truth.json, read through the scene library, mapped as the truth says.
 std::vector<Rig> CorpusRigs();
 
-// Every root turned about the origin.
+// Every root turned about the origin, or scaled about it.
 void TurnAll(Scene& scene, const QQuaternion& turn);
+void ScaleAll(Scene& scene, float factor);
 // The bone turned about its own joint by `degrees` about a world axis; what hangs below it follows.
 void TurnBone(Scene& scene, const QString& bone, const QVector3D& axis, float degrees);
 // The mapped bone of a node, empty when none.

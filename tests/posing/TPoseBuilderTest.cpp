@@ -102,6 +102,10 @@ std::vector<Variant> Variants()
             {"facing -Z", turned(0, 1, 0, 180)},
             {"lying askew", turned(0.3f, -0.5f, 0.8f, 110)},
             {"A-pose", [](Rig& rig) { SwingArms(rig, 45.0f); }},
+            {"A-pose, a thousandth the size", [](Rig& rig) {
+                 SwingArms(rig, 45.0f);
+                 ScaleAll(rig.scene, 0.001f);
+             }},
             {"arms down, Z up", [turned](Rig& rig) {
                  SwingArms(rig, 85.0f);
                  turned(1, 0, 0, 90)(rig);
