@@ -19,6 +19,7 @@
 #include "Scene.h"
 #include "SceneHub.h"
 #include "SceneImporter.h"
+#include "SceneTPose.h"
 #include "SkeletonMapping.h"
 #include "ValidationReport.h"
 
@@ -42,6 +43,8 @@ CommandLine Options()
                                       "skeletons a folder, each file named after its skeleton"},
          {{"format"}, "zelc|xml", "what a batch writes into the -o folder (default zelc)"},
          {{"big-endian"}, "", "write .zelc streams big-endian"},
+         {{"t-pose"}, "", "before validating and writing, turn the skeleton's rest pose into a T-pose standing Y up "
+                          "and facing +Z, as the mapping gives it; the report lists the bones turned"},
          {{"recursive"}, "", "search below the given folders too"},
          {{"j", "jobs"}, "N", "workers for several skeletons (default: one per core)"},
          {{"timeout"}, "SECONDS", "a skeleton whose reading takes longer is reported unreadable (default 120, 0 for "
@@ -103,9 +106,27 @@ struct Run
     QString skeleton;
     QString output;
     bool bigEndian = false;
+    SceneHub* tPoseHub = nullptr; // set with --t-pose
     std::vector<ValidationReport> reports;
     OutputFiles files;
 };
+
+// The current characterization validated; with --t-pose, after its T-pose became the skeleton's rest pose.
+ValidationReport ValidatedReport(CharacterizationModel& model, const Run& run)
+{
+    TPoseBuilder::Result posed;
+    if (run.tPoseHub != nullptr)
+    {
+        const SceneTPose tpose(run.tPoseHub->GetScene(), *model.GetCurrentCharacterization());
+        run.tPoseHub->SetLocalTransforms(tpose.GetLocals());
+        posed = tpose.GetResult();
+    }
+    model.Validate();
+    ValidationReport report(model);
+    if (run.tPoseHub != nullptr)
+        report.SetTPose(posed, run.tPoseHub->GetScene().BoneNames());
+    return report;
+}
 
 QString Render(const Characterization& characterization, const QString& output, Run& run)
 {
@@ -141,9 +162,8 @@ bool CharacterizeRecognized(CharacterizationModel& model, const SkeletonMapping&
             model.RenameCharacterization(QStringLiteral("%1 %2").arg(base, root),
                                          model.GetCurrentCharacterization()->GetName());
         model.ApplyRecognition(character, bones, CharacterizationModel::Merge::ReplaceAll);
-        model.Validate();
         const std::shared_ptr<Characterization> current = model.GetCurrentCharacterization();
-        ValidationReport report(model);
+        ValidationReport report = ValidatedReport(model, run);
         report.SetMapping({QString(), current->AssignedCount(), candidates, QString()});
         report.SetRecognition({chosen[i] + 1, int(result.characters.size()), root, boneNames[character.hips],
                                character, boneNames});
@@ -173,8 +193,7 @@ bool CharacterizeByTemplate(CharacterizationModel& model, const SkeletonMapping&
     model.GetHub()->GetSceneBones(sceneBones);
     if (!mapping.UsesTemplates())
         summary.note = SkeletonRecognizer::NoHumanoidText(int(sceneBones.size()));
-    model.Validate();
-    ValidationReport report(model);
+    ValidationReport report = ValidatedReport(model, run);
     report.SetMapping(summary);
     const std::shared_ptr<Characterization> current = model.GetCurrentCharacterization();
     error = Render(*current, run.output, run);
@@ -202,6 +221,7 @@ int CharacterizeOne(const CommandLine& parsed, const SkeletonMapping& mapping, c
     if (!importer.Import(run.skeleton, scene))
         return fail(importer.ErrorText());
     SceneHub hub(scene);
+    run.tPoseHub = parsed.Has(QStringLiteral("t-pose")) ? &hub : nullptr;
     CharacterizationModel model(&hub);
     model.RenameCharacterization(QFileInfo(run.skeleton).completeBaseName(),
                                  model.GetCurrentCharacterization()->GetName());
@@ -247,8 +267,9 @@ int CharacterizeMany(const CommandLine& parsed, const InputFiles& inputs)
     for (const char* option : {"character", "template", "match", "prefix"})
         if (parsed.Has(QLatin1String(option)))
             forwarded << QStringLiteral("--%1").arg(QLatin1String(option)) << parsed.Value(QLatin1String(option));
-    if (parsed.Has(QStringLiteral("big-endian")))
-        forwarded << QStringLiteral("--big-endian");
+    for (const char* flag : {"big-endian", "t-pose"})
+        if (parsed.Has(QLatin1String(flag)))
+            forwarded << QStringLiteral("--%1").arg(QLatin1String(flag));
     std::vector<Batch::Job> jobs;
     QStringList taken;
     for (const QString& file : inputs.files)

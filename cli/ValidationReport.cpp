@@ -150,6 +150,51 @@ void ValidationReport::AddRecognition(QJsonObject& report, QJsonArray& nodes) co
     report["unmapped"] = unmapped;
 }
 
+void ValidationReport::SetTPose(const TPoseBuilder::Result& result, const QStringList& boneNames)
+{
+    mHasTPose = true;
+    mTPose = result;
+    mTPoseBones = boneNames;
+}
+
+QJsonObject ValidationReport::TPoseJson() const
+{
+    if (!mTPose.IsPosed())
+        return QJsonObject {{"error", mTPose.error}};
+    QJsonArray turned;
+    for (const TPoseBuilder::Turn& turn : mTPose.turns)
+        turned.append(QJsonObject {{"bone", mTPoseBones.value(turn.bone)},
+                                   {"node", turn.nodeId >= 0 ? QJsonValue(NodeName(turn.nodeId)) : QJsonValue()},
+                                   {"degrees", turn.degrees}});
+    return QJsonObject {{"up", Vector(mTPose.up)},
+                        {"facing", Vector(mTPose.facing)},
+                        {"left", Vector(mTPose.left)},
+                        {"frameDegrees", mTPose.frameDegrees},
+                        {"turned", turned}};
+}
+
+QStringList ValidationReport::TPoseLines() const
+{
+    if (!mTPose.IsPosed())
+        return {QStringLiteral("T-pose: not set: %1").arg(mTPose.error)};
+    QString stood = QStringLiteral("T-pose: the character stood up %1, facing %2")
+                        .arg(Direction(mTPose.up), Direction(mTPose.facing));
+    if (mTPose.frameDegrees >= TPoseBuilder::NoTurnDegrees)
+        stood += QStringLiteral(", and was turned %1 degrees to stand up +Y, facing +Z")
+                     .arg(mTPose.frameDegrees, 0, 'f', 1);
+    if (!mTPose.Changed())
+        return {stood + QStringLiteral("; it was in a T-pose already: no bone turned.")};
+    QStringList lines {stood + QStringLiteral("; %1 bones turned:").arg(mTPose.turns.size())};
+    for (const TPoseBuilder::Turn& turn : mTPose.turns)
+    {
+        const QString node = turn.nodeId >= 0 ? QStringLiteral(" (%1)").arg(NodeName(turn.nodeId)) : QString();
+        lines << QStringLiteral("  %1%2: %3 degrees")
+                     .arg(mTPoseBones.value(turn.bone), node)
+                     .arg(turn.degrees, 0, 'f', 1);
+    }
+    return lines;
+}
+
 int ValidationReport::ExitStatus() const
 {
     return mState == Error ? CliError::ValidationFailed : 0;
@@ -184,6 +229,8 @@ QJsonObject ValidationReport::ToJsonObject() const
     }
     if (mHasRecognition)
         AddRecognition(report, nodes);
+    if (mHasTPose)
+        report["tPose"] = TPoseJson();
     report["nodes"] = nodes;
     if (!mMissingBones.isEmpty())
         report["missingBones"] = QJsonArray::fromStringList(mMissingBones);
@@ -199,6 +246,8 @@ QString ValidationReport::ToText() const
         lines << (mMapping.note.isEmpty() ? QString() : mMapping.note + QLatin1Char(' ')) + ChooserResult(mMapping).Summary();
     if (mHasRecognition && mRecognition.character.frame.namesMirrored)
         lines << QStringLiteral("Note: most bones named for a side stand on the other side; the geometry decided.");
+    if (mHasTPose)
+        lines << TPoseLines();
     lines << QStringLiteral("State: %1 (%2)").arg(int(mState)).arg(StateName(mState));
     if (!mMessage.isEmpty())
         lines << QStringLiteral("Message: %1").arg(Indented(mMessage, 9));

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <zelkin/SkeletonRecognizer.h>
+#include <zelkin/TPoseBuilder.h>
 #include <zelkin/ValidationLog.h>
 
 class CharacterizationModel;
@@ -45,6 +46,8 @@ public:
     void SetMissingBones(const QStringList& bones) { mMissingBones = bones; }
     // Shown to people after the findings.
     void SetWrittenFiles(const QStringList& paths) { mWrittenFiles = paths; }
+    // What --t-pose did before validation: the bones it turned (names by bone index), or why it could not.
+    void SetTPose(const TPoseBuilder::Result& result, const QStringList& boneNames);
 
     ValidationState State() const { return mState; }
     // 2 when validation ends in an error, else 0.
@@ -65,6 +68,8 @@ private:
     QString RecognitionSummary() const;
     QStringList UncertainNodes() const;
     void AddRecognition(QJsonObject& report, QJsonArray& nodes) const;
+    QJsonObject TPoseJson() const;
+    QStringList TPoseLines() const;
 
     struct Node
     {
@@ -83,4 +88,7 @@ private:
     Recognition mRecognition;
     QStringList mMissingBones;
     QStringList mWrittenFiles;
+    bool mHasTPose = false;
+    TPoseBuilder::Result mTPose;
+    QStringList mTPoseBones;
 };

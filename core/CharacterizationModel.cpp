@@ -85,6 +85,7 @@ CharacterizationModel::CharacterizationModel(ResourceBridge* bridge, IDCCHub* hu
             SLOT(RemoveCharacterizationNode(const QString&)));
     connect(mHub, SIGNAL(CharacterizationNameChanged(const QString&, const QString&)), this,
             SLOT(RenameCharacterization(const QString&, const QString&)));
+    connect(mHub, SIGNAL(ReferencePoseChanged()), this, SLOT(FollowReferencePose()));
     connect(mTimer, SIGNAL(timeout()), this, SLOT(CheckGeometry()));
     mTimer->setSingleShot(false);
     // A batch program has no event loop to run the timer; Qt would only warn about it.
@@ -527,6 +528,11 @@ void CharacterizationModel::CheckGeometry()
 {
     if (!mBusy)
         RunValidation(false);
+}
+
+void CharacterizationModel::FollowReferencePose()
+{
+    RunValidation(true);
 }
 
 void CharacterizationModel::SetMark(int nodeId, int32_t mark)

@@ -29,7 +29,7 @@ ProjectFile Untouched()
 {
     ProjectFile project;
     project.skeletonPath = QStringLiteral("/untouched.bvh");
-    project.edits = {{ProjectFile::BoneEdit::Delete, QStringLiteral("bone"), QString()}};
+    project.edits = {{ProjectFile::BoneEdit::Delete, QStringLiteral("bone"), QString(), {}}};
     project.entries = {{QStringLiteral("Untouched"), true, QByteArray("stream"), {QStringLiteral("bone")}}};
     project.current = QStringLiteral("Untouched");
     return project;

@@ -82,8 +82,12 @@ int main(int argc, char** argv)
     ProjectFile both;
     both.skeletonPath = skeleton;
     // As the studio saves them: the characterizations name the bones as the edits left them.
-    both.edits = {{ProjectFile::BoneEdit::Rename, matched.GetBone(0), QStringLiteral("Pelvis")},
-                  {ProjectFile::BoneEdit::Delete, QStringLiteral("EndSite_Head"), QString()}};
+    QMatrix4x4 raised;
+    raised.translate(14.0f, 0.0f, 0.0f);
+    raised.rotate(45.0f, 0.0f, 0.0f, 1.0f);
+    both.edits = {{ProjectFile::BoneEdit::Rename, matched.GetBone(0), QStringLiteral("Pelvis"), {}},
+                  {ProjectFile::BoneEdit::Pose, QStringLiteral("LeftArm"), QString(), raised},
+                  {ProjectFile::BoneEdit::Delete, QStringLiteral("EndSite_Head"), QString(), {}}};
     matched.SetBone(0, QStringLiteral("Pelvis"));
     const Characterization required = RequiredOnly(matched);
     both.entries = {EntryOf(QStringLiteral("Hero"), matched, false, true),

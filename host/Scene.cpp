@@ -88,6 +88,66 @@ bool Scene::DeleteBone(const QString& name)
     return true;
 }
 
+std::vector<int> Scene::Subtrees(const std::vector<int>& bones) const
+{
+    std::vector<bool> inside(mBones.size(), false);
+    for (int bone : bones)
+    {
+        if (bone >= 0 && bone < BoneCount())
+            inside[size_t(bone)] = true;
+    }
+    std::vector<int> subtrees;
+    // Parent-first order: a bone's parent has been decided before the bone.
+    for (int i = 0; i < BoneCount(); ++i)
+    {
+        const int parent = Bone(i).parent;
+        if (parent >= 0 && inside[size_t(parent)])
+            inside[size_t(i)] = true;
+        if (inside[size_t(i)])
+            subtrees.push_back(i);
+    }
+    return subtrees;
+}
+
+void Scene::SetLocalTransforms(const std::vector<std::pair<int, QMatrix4x4>>& locals)
+{
+    std::vector<int> changed;
+    for (const auto& [index, local] : locals)
+    {
+        if (index < 0 || index >= BoneCount())
+            continue;
+        Bone(index).local = local;
+        changed.push_back(index);
+    }
+    for (int index : Subtrees(changed))
+    {
+        SceneBone& bone = Bone(index);
+        bone.global = bone.parent < 0 ? bone.local : Bone(bone.parent).global * bone.local;
+    }
+}
+
+std::vector<Scene::SavedTransforms> Scene::SaveTransforms(const std::vector<int>& bones) const
+{
+    std::vector<SavedTransforms> saved;
+    for (int index : bones)
+    {
+        if (index >= 0 && index < BoneCount())
+            saved.push_back({index, Bone(index).local, Bone(index).global});
+    }
+    return saved;
+}
+
+void Scene::RestoreTransforms(const std::vector<SavedTransforms>& saved)
+{
+    for (const SavedTransforms& bone : saved)
+    {
+        if (bone.index < 0 || bone.index >= BoneCount())
+            continue;
+        Bone(bone.index).local = bone.local;
+        Bone(bone.index).global = bone.global;
+    }
+}
+
 bool Scene::SetSelection(const QStringList& bones)
 {
     QStringList selection;

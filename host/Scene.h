@@ -1,5 +1,6 @@
 #pragma once
 
+#include <utility>
 #include <vector>
 
 #include <QHash>
@@ -32,6 +33,21 @@ public:
     bool RenameBone(const QString& oldName, const QString& newName);
     // Children move to the deleted bone's parent and keep their global transforms.
     bool DeleteBone(const QString& name);
+
+    // The bones' transforms as they are, to be put back exactly.
+    struct SavedTransforms
+    {
+        int index = -1;
+        QMatrix4x4 local;
+        QMatrix4x4 global;
+    };
+    // These bones and every bone below them, in scene order; indices out of range are left out.
+    std::vector<int> Subtrees(const std::vector<int>& bones) const;
+    // A rest-pose edit: new local transforms for some bones; the global transforms of those bones and of every
+    // bone below them follow, the others stay as they are. Out-of-range indices are ignored.
+    void SetLocalTransforms(const std::vector<std::pair<int, QMatrix4x4>>& locals);
+    std::vector<SavedTransforms> SaveTransforms(const std::vector<int>& bones) const;
+    void RestoreTransforms(const std::vector<SavedTransforms>& saved);
 
     // Bone names in selection order.
     const QStringList& Selection() const { return mSelection; }

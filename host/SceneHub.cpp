@@ -94,6 +94,18 @@ bool SceneHub::DeleteCharacterObject(const QString& name)
     return true;
 }
 
+void SceneHub::SetLocalTransforms(const std::vector<std::pair<int, QMatrix4x4>>& locals)
+{
+    mScene.SetLocalTransforms(locals);
+    emit ReferencePoseChanged();
+}
+
+void SceneHub::RestoreTransforms(const std::vector<Scene::SavedTransforms>& saved)
+{
+    mScene.RestoreTransforms(saved);
+    emit ReferencePoseChanged();
+}
+
 bool SceneHub::GetSelectedBones(QStringList& bones) const
 {
     bones = mScene.Selection();

@@ -1,12 +1,15 @@
 #pragma once
 
+#include <utility>
+#include <vector>
+
+#include <QMatrix4x4>
 #include <QString>
 #include <QStringList>
 
 #include <zelkin/IDCCHub.h>
 
-class Scene;
-struct SceneBone;
+#include "Scene.h"
 
 // The hub of our own programs: the tool's host operations over a Scene, and the user's scene edits turned into the
 // hub's signals. The scene is not owned: it belongs to the program and must outlive the hub.
@@ -39,6 +42,10 @@ public:
     // Character objects; named so as not to hide IDCCHub::DeleteCharacter, which deletes through the tool.
     bool RenameCharacterObject(const QString& oldName, const QString& newName);
     bool DeleteCharacterObject(const QString& name);
+    // Rest-pose edits: new local transforms for bones (by index), every bone below following; then transforms put
+    // back exactly as they were saved (undo). Each emits ReferencePoseChanged().
+    void SetLocalTransforms(const std::vector<std::pair<int, QMatrix4x4>>& locals);
+    void RestoreTransforms(const std::vector<Scene::SavedTransforms>& saved);
 
     bool GetSelectedBones(QStringList& bones) const override;
     // Refused, leaving the selection alone, when a name is not a bone; emits selectionChanged() on a change.

@@ -20,7 +20,7 @@ void DeleteBoneCommand::redo()
 {
     TakeSnapshot();
     if (mIndex >= 0 && mSession.ApplyDelete(mName))
-        mSession.PushEdit({ProjectFile::BoneEdit::Delete, mName, QString()});
+        mSession.PushEdit({ProjectFile::BoneEdit::Delete, mName, QString(), {}});
     else
         setObsolete(true);
 }

@@ -177,6 +177,7 @@ void MainWindow::UpdateState()
     mMirrorAction->setChecked(model->IsMirrorMode());
     mAutoAction->setEnabled(mSession.HasSkeleton() && !model->IsLocked());
     mAutoSelectedAction->setEnabled(mSession.HasSkeleton() && !model->IsLocked() && !selection.isEmpty());
+    mTPoseAction->setEnabled(mSession.HasSkeleton() && !model->IsLocked());
     mViewActions[mViewport->GetViewMode()]->setChecked(true);
     const int page = mTool->currentViewTab();
     if (page == CharacterTool::FigurePage || page == CharacterTool::NameMatchPage)

@@ -68,6 +68,7 @@ public:
     {
         return selectedCharacter ? mAutoSelectedAction : mAutoAction;
     }
+    QAction* GetTPoseAction() const { return mTPoseAction; }
 
 public slots:
     void OnOpenSkeleton();
@@ -81,6 +82,7 @@ public slots:
     void OnDeleteBones();
     void OnNewCharacterization();
     void OnAutoCharacterize(bool selectedCharacter);
+    void OnSetTPose();
     void OnToggleLock();
     void OnToggleMirror();
     void OnPreferences();
@@ -145,6 +147,7 @@ private:
     QAction* mLockAction = nullptr;
     QAction* mAutoAction = nullptr;
     QAction* mAutoSelectedAction = nullptr;
+    QAction* mTPoseAction = nullptr;
     QAction* mMirrorAction = nullptr;
     QAction* mViewActions[3] = {nullptr, nullptr, nullptr};
     QAction* mPageActions[2] = {nullptr, nullptr};

@@ -279,6 +279,16 @@ void MainWindow::OnAutoCharacterize(bool selectedCharacter)
     UpdateState();
 }
 
+void MainWindow::OnSetTPose()
+{
+    QString message;
+    if (mSession.SetTPose(message))
+        ShowStatus(message);
+    else
+        ShowError(tr("Set T-Pose"), message);
+    UpdateState();
+}
+
 void MainWindow::OnToggleLock()
 {
     SceneHub& hub = mSession.GetHub();

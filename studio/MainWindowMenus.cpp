@@ -117,6 +117,10 @@ void MainWindow::BuildCharacterMenu()
                                          "selected bones"));
     AddAction(menu, tr("&Auto Match with Template..."), QKeySequence(Qt::CTRL | Qt::Key_T),
               [&hub] { hub.ShowMapBones(); });
+    mTPoseAction = AddAction(menu, tr("Set &T-Pose"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P),
+                             [this] { OnSetTPose(); });
+    mTPoseAction->setStatusTip(tr("Turn the skeleton's rest pose into a T-pose, Y up and facing +Z, as the current "
+                                  "characterization maps it"));
     mMirrorAction = AddAction(menu, tr("&Mirror Matching"), QKeySequence(Qt::CTRL | Qt::Key_M),
                               [this] { OnToggleMirror(); });
     mMirrorAction->setCheckable(true);

@@ -1,5 +1,7 @@
 #include "ProjectFile.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 #include <QDir>
@@ -24,10 +26,14 @@ const QString NameKey = QStringLiteral("name");
 const QString LockedKey = QStringLiteral("locked");
 const QString StreamKey = QStringLiteral("stream");
 const QString BonesKey = QStringLiteral("bones");
-const QStringList EditColumns = {QStringLiteral("kind"), QStringLiteral("bone"), QStringLiteral("name")};
+const QStringList EditColumns = {QStringLiteral("kind"), QStringLiteral("bone"), QStringLiteral("name"),
+                                  QStringLiteral("local")};
 const QStringList BoneColumns = {QStringLiteral("node"), QStringLiteral("bone")};
 const QString RenameKind = QStringLiteral("rename");
 const QString DeleteKind = QStringLiteral("delete");
+const QString PoseKind = QStringLiteral("pose");
+// Enough digits to give every float back exactly.
+constexpr int kFloatDigits = 9;
 
 QString SectionOf(int index)
 {
@@ -101,6 +107,39 @@ bool ReadEntry(const ConfigDocument& document, int index, ProjectFile::Entry& en
     return streamProblem.isEmpty();
 }
 
+// Sixteen finite numbers, column by column, of an affine transform.
+bool ReadLocal(const QString& text, QMatrix4x4& local)
+{
+    const QStringList numbers = text.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    if (numbers.size() != 16)
+        return false;
+    float* data = local.data();
+    for (int i = 0; i < 16; ++i)
+    {
+        bool isNumber = false;
+        data[i] = numbers[i].toFloat(&isNumber);
+        if (!isNumber || !std::isfinite(data[i]))
+            return false;
+    }
+    return data[3] == 0.0f && data[7] == 0.0f && data[11] == 0.0f && data[15] == 1.0f;
+}
+
+QString LocalText(const QMatrix4x4& local)
+{
+    QStringList numbers;
+    for (int i = 0; i < 16; ++i)
+        numbers.append(QString::number(double(local.constData()[i]), 'g', kFloatDigits));
+    return numbers.join(QLatin1Char(' '));
+}
+
+ProjectFile::BoneEdit::Kind KindOf(const QString& text, bool& known)
+{
+    known = text == RenameKind || text == DeleteKind || text == PoseKind;
+    return text == DeleteKind ? ProjectFile::BoneEdit::Delete
+           : text == PoseKind ? ProjectFile::BoneEdit::Pose
+                              : ProjectFile::BoneEdit::Rename;
+}
+
 bool ReadEdits(const ConfigDocument& document, QList<ProjectFile::BoneEdit>& edits, QString& problem)
 {
     const QList<QStringList> rows = document.ReadTable(ProjectSection, EditsKey, EditColumns);
@@ -112,11 +151,13 @@ bool ReadEdits(const ConfigDocument& document, QList<ProjectFile::BoneEdit>& edi
     for (const QStringList& row : rows)
     {
         ProjectFile::BoneEdit edit;
-        edit.kind = row[0] == DeleteKind ? ProjectFile::BoneEdit::Delete : ProjectFile::BoneEdit::Rename;
+        bool known = false;
+        edit.kind = KindOf(row[0], known);
         edit.bone = row[1];
         edit.newName = row[2];
-        const bool known = row[0] == DeleteKind || row[0] == RenameKind;
-        if (!known || edit.bone.isEmpty() || (edit.kind == ProjectFile::BoneEdit::Rename) == edit.newName.isEmpty())
+        const bool posed = edit.kind == ProjectFile::BoneEdit::Pose;
+        if (!known || edit.bone.isEmpty() || (edit.kind == ProjectFile::BoneEdit::Rename) == edit.newName.isEmpty() ||
+            posed != !row[3].isEmpty() || (posed && !ReadLocal(row[3], edit.local)))
         {
             problem = QStringLiteral("its list of bone edits is damaged");
             return false;
@@ -197,8 +238,21 @@ QList<QStringList> EditRows(const QList<ProjectFile::BoneEdit>& edits)
 {
     QList<QStringList> rows;
     for (const ProjectFile::BoneEdit& edit : edits)
-        rows.append({edit.kind == ProjectFile::BoneEdit::Delete ? DeleteKind : RenameKind, edit.bone, edit.newName});
+    {
+        const bool posed = edit.kind == ProjectFile::BoneEdit::Pose;
+        const QString& kind = posed ? PoseKind : edit.kind == ProjectFile::BoneEdit::Delete ? DeleteKind : RenameKind;
+        rows.append({kind, edit.bone, edit.newName, posed ? LocalText(edit.local) : QString()});
+    }
     return rows;
+}
+
+// Studios that came before rest-pose edits still read the projects that have none.
+int FormatOf(const QList<ProjectFile::BoneEdit>& edits)
+{
+    const bool posed = std::any_of(edits.begin(), edits.end(), [](const ProjectFile::BoneEdit& edit) {
+        return edit.kind == ProjectFile::BoneEdit::Pose;
+    });
+    return posed ? ProjectFile::FormatVersion : 1;
 }
 
 QList<QStringList> BoneRows(const QStringList& bones)
@@ -228,7 +282,7 @@ QString ProjectFile::Extension()
 
 bool ProjectFile::BoneEdit::operator==(const BoneEdit& other) const
 {
-    return kind == other.kind && bone == other.bone && newName == other.newName;
+    return kind == other.kind && bone == other.bone && newName == other.newName && local == other.local;
 }
 
 bool ProjectFile::Read(const QString& path, QString& error)
@@ -248,7 +302,7 @@ bool ProjectFile::Write(const QString& path, QString& error) const
 {
     const QString relative = QFileInfo(path).absoluteDir().relativeFilePath(skeletonPath);
     ConfigDocument document;
-    bool written = document.WriteValue(ProjectSection, FormatKey, QString::number(FormatVersion)) &&
+    bool written = document.WriteValue(ProjectSection, FormatKey, QString::number(FormatOf(edits))) &&
                    document.WriteValue(ProjectSection, SkeletonKey, relative) &&
                    document.WriteValue(ProjectSection, CurrentKey, current) &&
                    document.WriteTable(ProjectSection, EditsKey, EditColumns, EditRows(edits)) &&

@@ -4,16 +4,19 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QMatrix4x4>
 #include <QString>
 #include <QStringList>
 
-// A Zelkin Studio project (".zelproj"): the skeleton file, the bone edits made in the studio since it was read, and
-// every characterization as a host keeps it in its scene (name, lock, the tool's stream and its 212 bone names).
+// A Zelkin Studio project (".zelproj"): the skeleton file, the bone edits made in the studio since it was read
+// (renames, deletes, rest-pose changes), and every characterization as a host keeps it in its scene (name, lock,
+// the tool's stream and its 212 bone names).
 // Written with the configuration's keyed document; the skeleton path is stored relative to the project's folder.
 class ProjectFile
 {
 public:
-    static constexpr int FormatVersion = 1;
+    // A project without rest-pose edits is written as version 1, which studios before them read too.
+    static constexpr int FormatVersion = 2;
     static constexpr int MaxCharacterizations = 256;
     static constexpr int MaxEdits = 100000;
     // Far above the largest stream the solver writes; a larger one is not a stream.
@@ -26,12 +29,14 @@ public:
         enum Kind
         {
             Rename,
-            Delete
+            Delete,
+            Pose // the bone's rest pose: a new local transform, with everything below it following
         };
 
         Kind kind = Rename;
         QString bone;
         QString newName; // Rename only
+        QMatrix4x4 local; // Pose only
 
         bool operator==(const BoneEdit& other) const;
     };

@@ -22,5 +22,5 @@ void RenameBoneCommand::undo()
 void RenameBoneCommand::redo()
 {
     if (mSession.ApplyRename(mBone, mNewName))
-        mSession.PushEdit({ProjectFile::BoneEdit::Rename, mBone, mNewName});
+        mSession.PushEdit({ProjectFile::BoneEdit::Rename, mBone, mNewName, {}});
 }

@@ -57,6 +57,8 @@ SkeletonViewport::SkeletonViewport(SceneHub& hub, QWidget* parent)
     setAttribute(Qt::WA_OpaquePaintEvent);
     connect(&mHub, &IDCCHub::selectionChanged, this, qOverload<>(&QWidget::update));
     connect(&mHub, &SceneHub::BoneMarkChanged, this, qOverload<>(&QWidget::update));
+    // A new rest pose can stand the skeleton along another axis: the view follows it.
+    connect(&mHub, &IDCCHub::ReferencePoseChanged, this, &SkeletonViewport::FrameAll);
 }
 
 void SkeletonViewport::SetModel(CharacterizationModel* model)

@@ -14,12 +14,27 @@
 #include "DeleteBoneCommand.h"
 #include "RenameBoneCommand.h"
 #include "SceneImporter.h"
+#include "SceneTPose.h"
+#include "SetTPoseCommand.h"
 
 namespace
 {
 QString CannotOpen(const QString& path, const QString& problem)
 {
     return StudioSession::tr("%1 cannot be opened: %2.").arg(QDir::toNativeSeparators(path), problem);
+}
+
+// What Set T-Pose did, for the status bar: how many bones turned, the one turned most and by how much.
+QString TurnedText(const TPoseBuilder::Result& result, const QString& most, double degrees)
+{
+    const int turned = int(result.turns.size());
+    const QString angle = QString::number(degrees, 'f', 1);
+    QString text = turned == 1 ? StudioSession::tr("Set T-Pose: one bone turned, %1, by %2 degrees.").arg(most, angle)
+                               : StudioSession::tr("Set T-Pose: %1 bones turned, %2 the most, by %3 degrees.")
+                                     .arg(QString::number(turned), most, angle);
+    if (result.frameDegrees >= TPoseBuilder::NoTurnDegrees)
+        text += QLatin1Char(' ') + StudioSession::tr("The character now stands Y up, facing +Z.");
+    return text;
 }
 } // namespace
 
@@ -210,6 +225,37 @@ bool StudioSession::AutoCharacterize(bool selectedCharacter, QString& message)
     return true;
 }
 
+bool StudioSession::SetTPose(QString& message)
+{
+    CharacterizationModel* model = GetModel();
+    if (model == nullptr || !HasSkeleton())
+    {
+        message = tr("There is no skeleton to pose: open one first.");
+        return false;
+    }
+    if (model->IsLocked())
+    {
+        message = tr("The current characterization is locked: unlock it to set the T-pose.");
+        return false;
+    }
+    const SceneTPose tpose(mScene, *model->GetCurrentCharacterization());
+    const TPoseBuilder::Result& result = tpose.GetResult();
+    if (!result.IsPosed())
+    {
+        message = result.error;
+        return false;
+    }
+    const TPoseBuilder::Turn* largest = tpose.LargestTurn();
+    if (tpose.GetLocals().empty() || largest == nullptr)
+    {
+        message = tr("Set T-Pose: the skeleton already stands in a T-pose; nothing turned.");
+        return true;
+    }
+    mUndo.push(new SetTPoseCommand(*this, tpose.GetLocals()));
+    message = TurnedText(result, mScene.Bone(largest->bone).name, largest->degrees);
+    return true;
+}
+
 int StudioSession::CurrentCharacter(const SkeletonRecognizer::Result& result,
                                     const std::vector<SkeletonRecognizer::Bone>& bones) const
 {
@@ -254,6 +300,24 @@ bool StudioSession::ApplyDelete(const QString& bone)
     return deleted;
 }
 
+void StudioSession::ApplyPose(const std::vector<std::pair<int, QMatrix4x4>>& locals)
+{
+    {
+        AssignmentRecorder::Pause pause(mRecorder);
+        mHub.SetLocalTransforms(locals);
+    }
+    emit SkeletonChanged();
+}
+
+void StudioSession::RestorePose(const std::vector<Scene::SavedTransforms>& saved)
+{
+    {
+        AssignmentRecorder::Pause pause(mRecorder);
+        mHub.RestoreTransforms(saved);
+    }
+    emit SkeletonChanged();
+}
+
 void StudioSession::PushEdit(const ProjectFile::BoneEdit& edit)
 {
     mEdits.append(edit);
@@ -286,8 +350,14 @@ bool StudioSession::ReplayEdits(const QList<ProjectFile::BoneEdit>& edits, Scene
 {
     for (const ProjectFile::BoneEdit& edit : edits)
     {
-        const bool done = edit.kind == ProjectFile::BoneEdit::Delete ? scene.DeleteBone(edit.bone)
-                                                                     : scene.RenameBone(edit.bone, edit.newName);
+        const int index = scene.IndexOf(edit.bone);
+        bool done = index >= 0;
+        if (edit.kind == ProjectFile::BoneEdit::Pose && done)
+            scene.SetLocalTransforms({{index, edit.local}});
+        else if (edit.kind == ProjectFile::BoneEdit::Delete)
+            done = scene.DeleteBone(edit.bone);
+        else if (edit.kind == ProjectFile::BoneEdit::Rename)
+            done = scene.RenameBone(edit.bone, edit.newName);
         if (!done)
         {
             error = tr("its bone edits do not fit the skeleton (%1 cannot be changed)").arg(edit.bone);
@@ -428,7 +498,7 @@ QByteArray StudioSession::StateSignature() const
     QDataStream out(&signature, QIODevice::WriteOnly);
     out << mScene.SourcePath();
     for (const ProjectFile::BoneEdit& edit : mEdits)
-        out << int(edit.kind) << edit.bone << edit.newName;
+        out << int(edit.kind) << edit.bone << edit.newName << edit.local;
     if (const CharacterizationModel* model = GetModel())
     {
         out << model->GetCurrentIndex();

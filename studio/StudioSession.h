@@ -72,18 +72,24 @@ public:
     bool AutoCharacterize(bool selectedCharacter, QString& message);
     // How the last skeleton opened was characterized, for the status bar.
     const QString& GetOpeningSummary() const { return mOpeningSummary; }
+    // Puts the skeleton's rest pose into the T-pose the current characterization's mapping gives, as one undoable
+    // step. `message` says what turned, or why nothing could; true also when the pose was a T-pose already.
+    bool SetTPose(QString& message);
 
     // For the undo commands: the scene edit itself, told to the model through the hub's signals, and the record
     // of edits the project keeps.
     bool ApplyRename(const QString& bone, const QString& newName);
     bool ApplyDelete(const QString& bone);
+    // A rest-pose edit and its undoing, told to the model through the hub.
+    void ApplyPose(const std::vector<std::pair<int, QMatrix4x4>>& locals);
+    void RestorePose(const std::vector<Scene::SavedTransforms>& saved);
     void PushEdit(const ProjectFile::BoneEdit& edit);
     void PopEdit();
     // The scene's bones were replaced behind the hub's back (a deleted bone came back).
     void NotifySkeletonChanged();
 
 signals:
-    // Bones were added, removed or renamed.
+    // Bones were added, removed or renamed, or their rest pose changed.
     void SkeletonChanged();
     // A new scene was read: views frame it.
     void SkeletonReplaced();

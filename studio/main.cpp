@@ -22,6 +22,7 @@ struct Options
     QString page;
     QString view;
     QString select;
+    bool tPose = false;
 };
 
 Options ParseOptions(const QApplication& application)
@@ -44,11 +45,18 @@ Options ParseOptions(const QApplication& application)
                                   QStringLiteral("VIEW"), QStringLiteral("front"));
     const QCommandLineOption select(QStringLiteral("select"), QStringLiteral("A bone to select."),
                                     QStringLiteral("BONE"));
-    parser.addOptions({screenshot, configuration, page, view, select});
+    const QCommandLineOption tPose(QStringLiteral("t-pose"),
+                                   QStringLiteral("Set the T-pose once FILE is open (Character > Set T-Pose)."));
+    parser.addOptions({screenshot, configuration, page, view, select, tPose});
     parser.process(application);
     const QStringList files = parser.positionalArguments();
-    return {files.isEmpty() ? QString() : files.first(), parser.value(screenshot), parser.value(configuration),
-            parser.value(page), parser.value(view), parser.value(select)};
+    return {files.isEmpty() ? QString() : files.first(),
+            parser.value(screenshot),
+            parser.value(configuration),
+            parser.value(page),
+            parser.value(view),
+            parser.value(select),
+            parser.isSet(tPose)};
 }
 
 // The picture replaces the file whole or not at all. It is encoded in memory first, so a failing disk meets a plain
@@ -74,6 +82,8 @@ void ApplyViewOptions(MainWindow& window, const Options& options)
     else if (options.view == QLatin1String("perspective"))
         mode = SkeletonViewport::PerspectiveView;
     window.GetViewport()->SetViewMode(mode);
+    if (options.tPose)
+        window.OnSetTPose();
     if (!options.select.isEmpty())
         window.GetSession().GetHub().SelectBones({options.select});
 }

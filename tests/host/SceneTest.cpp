@@ -86,6 +86,28 @@ TEST_F(SceneTest, DeletingReparentsChildrenKeepingTheirPlaceInTheWorld)
     EXPECT_EQ(scene.Selection(), QStringList({"hand"}));
 }
 
+TEST_F(SceneTest, NewLocalTransformsMoveWhatHangsBelowAndNothingElse)
+{
+    EXPECT_EQ(scene.Subtrees({1, 42}), std::vector<int>({1, 2, 3}));
+    const std::vector<Scene::SavedTransforms> saved = scene.SaveTransforms(scene.Subtrees({1}));
+    const QMatrix4x4 leg = scene.Bone(4).global;
+    const QMatrix4x4 hand = scene.Bone(2).local;
+
+    // The arm straightened: the hand and the finger follow it out along X.
+    scene.SetLocalTransforms({{1, Moved(0, 10, 0)}, {-1, QMatrix4x4()}, {42, QMatrix4x4()}});
+    ExpectNear(Origin(scene.Bone(3).global), QVector3D(7, 110, 0));
+    EXPECT_EQ(scene.Bone(2).local, hand);
+    EXPECT_EQ(scene.Bone(4).global, leg);
+
+    scene.RestoreTransforms(saved);
+    for (const Scene::SavedTransforms& bone : saved)
+    {
+        EXPECT_EQ(scene.Bone(bone.index).local, bone.local);
+        EXPECT_EQ(scene.Bone(bone.index).global, bone.global);
+    }
+    ExpectNear(Origin(scene.Bone(3).global), QVector3D(0, 117, 0));
+}
+
 TEST(SceneBoneTest, DecomposesRotationAndMirroringScale)
 {
     SceneBone bone;

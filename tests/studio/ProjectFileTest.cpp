@@ -64,7 +64,13 @@ protected:
         const QDir root(work.path());
         ASSERT_TRUE(root.mkpath("rigs") && root.mkpath("projects"));
         project.skeletonPath = root.filePath("rigs/hero.glb");
-        project.edits = {{ProjectFile::BoneEdit::Rename, "arm L", "armL"}, {ProjectFile::BoneEdit::Delete, "tail", ""}};
+        // A rest pose that only 9 significant digits give back exactly.
+        QMatrix4x4 local;
+        local.rotate(33.3f, 0.2f, -0.7f, 0.4f);
+        local.translate(0.1f, 1.0f / 3.0f, -2e-7f);
+        project.edits = {{ProjectFile::BoneEdit::Rename, "arm L", "armL", {}},
+                         {ProjectFile::BoneEdit::Pose, "armL", "", local},
+                         {ProjectFile::BoneEdit::Delete, "tail", "", {}}};
         project.entries.push_back({"Hero", true, StreamFor(Bones(), false), Bones()});
         project.entries.push_back({"Side", false, StreamFor(Bones(3), true), Bones(3)});
         project.current = "Side";
@@ -83,6 +89,15 @@ TEST_F(ProjectFileTest, KeepsEverythingAndTheSkeletonRelativeToItself)
     ConfigDocument document;
     ASSERT_TRUE(document.Load(path));
     EXPECT_EQ(document.ReadValue("project", "skeleton"), "../rigs/hero.glb");
+    // Rest-pose edits make it a project that older studios would misread; without them it is one they read.
+    EXPECT_EQ(document.ReadValue("project", "format"), "2");
+    ProjectFile unposed = project;
+    unposed.edits.removeAt(1);
+    const QString unposedPath = QDir(work.path()).filePath("projects/unposed.zelproj");
+    QString written;
+    ASSERT_TRUE(unposed.Write(unposedPath, written));
+    ASSERT_TRUE(document.Load(unposedPath));
+    EXPECT_EQ(document.ReadValue("project", "format"), "1");
 
     ProjectFile read;
     QString error;
@@ -112,6 +127,11 @@ TEST_F(ProjectFileTest, DamagedProjectIsRefusedWholeWithOneReason)
     const auto bones = [](ConfigDocument& document, const QList<QStringList>& rows) {
         document.WriteTable("characterization_1", "bones", {"node", "bone"}, rows);
     };
+    const auto edits = [&edited](const QList<QStringList>& rows) {
+        return edited([&rows](ConfigDocument& d) {
+            d.WriteTable("project", "bone_edits", {"kind", "bone", "name", "local"}, rows);
+        });
+    };
     const struct
     {
         const char* what;
@@ -120,7 +140,7 @@ TEST_F(ProjectFileTest, DamagedProjectIsRefusedWholeWithOneReason)
     } cases[] = {
         {"truncated", ReadBytes(path).left(ReadBytes(path).size() / 2), ""},
         {"empty", QByteArray(), "not a Zelkin Studio project"},
-        {"newer", edited([](ConfigDocument& d) { d.WriteValue("project", "format", "2"); }), "newer version"},
+        {"newer", edited([](ConfigDocument& d) { d.WriteValue("project", "format", "3"); }), "newer version"},
         {"count too high", edited([](ConfigDocument& d) { d.WriteValue("project", "characterizations", "3"); }),
          "characterization_3"},
         {"count absurd", edited([](ConfigDocument& d) { d.WriteValue("project", "characterizations", "99999"); }),
@@ -144,6 +164,11 @@ TEST_F(ProjectFileTest, DamagedProjectIsRefusedWholeWithOneReason)
              d.WriteTable("project", "bone_edits", {"kind", "bone", "name"}, {{"twist", "a", "b"}});
          }),
          "bone edits"},
+        {"pose of 15 numbers", edits({{"pose", "a", "", "1 0 0 0 0 1 0 0 0 0 1 0 0 0 0"}}), "bone edits"},
+        {"pose not finite", edits({{"pose", "a", "", "1 0 0 0 0 1 0 0 0 0 1 0 nan 0 0 1"}}), "bone edits"},
+        {"pose projective", edits({{"pose", "a", "", "1 0 0 0.5 0 1 0 0 0 0 1 0 0 0 0 1"}}), "bone edits"},
+        {"pose without one", edits({{"pose", "a", "", ""}}), "bone edits"},
+        {"rename with a pose", edits({{"rename", "a", "b", "1 0 0 0 0 1 0 0 0 0 1 0 0 0 0 1"}}), "bone edits"},
         {"current gone", edited([](ConfigDocument& d) { d.WriteValue("project", "current", "Nobody"); }), "Nobody"},
     };
     for (const auto& damaged : cases)

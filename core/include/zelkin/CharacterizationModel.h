@@ -170,6 +170,8 @@ public slots:
     void SetMirrorMode(bool mirror);
     void CreateNewCharacterization();
     void CheckGeometry();
+    // The host's rest pose changed: validates with the new geometry and tells the views either way.
+    void FollowReferencePose();
 
 private:
     struct BusyScope;

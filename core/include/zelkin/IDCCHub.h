@@ -123,6 +123,9 @@ signals:
     void NameChanged(const QString& pNewName, const QString& pOldName);
     void CharacterizationNodeRemoved(const QString& characterName);
     void CharacterizationNameChanged(const QString& newName, const QString& oldName);
+    // The host changed the reference (rest) pose of some bones; a characterization that is not locked takes their
+    // new geometry.
+    void ReferencePoseChanged();
 
 private:
     CharacterizationModel* Model() const;
