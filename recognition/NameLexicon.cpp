@@ -224,7 +224,11 @@ namespace lexicon
 {
 const WordMeaning* Find(QStringView word)
 {
-    return FindIn(TheTables().words, word);
+    const WordMeaning* meaning = FindIn(TheTables().words, word);
+    // Plurals of the known words: "eyebrows", "lashes" are the worse for no entry of their own.
+    if (meaning == nullptr && word.size() > 3 && word.endsWith(u's'))
+        meaning = FindIn(TheTables().words, word.chopped(1));
+    return meaning;
 }
 
 const WordMeaning* Compound(QStringView first, QStringView second)

@@ -124,7 +124,11 @@ std::vector<TrunkSearch::Pair> TrunkSearch::FindPairs() const
                     own.push_back({branches[i], branches[j], likeness});
             }
         }
-        std::stable_sort(own.begin(), own.end(), [](const Pair& x, const Pair& y) { return x.likeness > y.likeness; });
+        // Long, well-mirrored pairs first here too: a skirt's many short chains mirror each other better than the
+        // legs beside them do.
+        std::stable_sort(own.begin(), own.end(), [](const Pair& x, const Pair& y) {
+            return x.likeness * x.a.length > y.likeness * y.a.length;
+        });
         own.resize(std::min(own.size(), kPairsPerBone));
         pairs.insert(pairs.end(), own.begin(), own.end());
     }
@@ -147,7 +151,9 @@ double TrunkSearch::NameFit(const Limb& limb, std::initializer_list<Role> roles)
             continue;
         const NameReading& reading = mNames[bone];
         const float accessory = reading.Accessory();
-        sum += reading.Support(roles) - (accessory >= 0.8f ? 0.8 * accessory : 0.0);
+        // Words that only lean toward a helper ("ORG", "FK") count against the limb too: a rig's copies and
+        // controls of a limb stand where the limb does.
+        sum += reading.Support(roles) - (accessory >= 0.5f ? 0.8 * accessory : 0.0);
         ++counted;
     }
     return counted > 0 ? sum / counted : 0.0;
@@ -229,7 +235,7 @@ Body TrunkSearch::Assemble(const Pair& legs, const Pair& arms) const
     // The feet reach forward to the toes; the spine and the legs together stand straighter.
     body.up = SnappedToAxis((spine / spineLength + up).normalized());
     body.score = 2.0 * (legs.likeness + arms.likeness) + 2.0 * upright - std::abs(std::log(ratio / 0.8)) +
-                 1.5 * names + 0.5 * skin + (headAbove ? 0.5 : 0.0);
+                 1.5 * names + 1.5 * skin + (headAbove ? 0.5 : 0.0);
     return body;
 }
 

@@ -1,5 +1,7 @@
 #include "RecognitionRigs.h"
 
+#include <cmath>
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -111,6 +113,39 @@ TruthRig FacingBack(const TruthRig& rig)
 {
     return Transformed(rig, [](const SkeletonRecognizer::Vector& v) { return SkeletonRecognizer::Vector {-v[0], v[1], -v[2]}; },
                        QStringLiteral(" (facing -Z)"));
+}
+
+TruthRig FacingSide(const TruthRig& rig)
+{
+    using Vector = SkeletonRecognizer::Vector;
+    return Transformed(rig, [](const Vector& v) { return Vector {v[2], v[1], -v[0]}; }, QStringLiteral(" (facing +X)"));
+}
+
+TruthRig Jittered(const TruthRig& rig, double fraction, unsigned seed)
+{
+    TruthRig uneven = rig;
+    uneven.id = rig.id + QStringLiteral(" (uneven)");
+    unsigned state = seed;
+    const auto next = [&state] {
+        state = state * 1664525u + 1013904223u;
+        return double((state >> 8) % 2001) / 1000.0 - 1.0;
+    };
+    for (size_t i = 0; i < rig.bones.size(); ++i)
+    {
+        const SkeletonRecognizer::Bone& bone = rig.bones[i];
+        if (bone.parent < 0)
+            continue;
+        const SkeletonRecognizer::Vector& from = rig.bones[size_t(bone.parent)].position;
+        const double length =
+            std::hypot(bone.position[0] - from[0], bone.position[1] - from[1], bone.position[2] - from[2]);
+        for (int axis = 0; axis < 3; ++axis)
+        {
+            const double offset = fraction * length * next();
+            uneven.bones[i].position[size_t(axis)] += offset;
+            uneven.bones[i].tip[size_t(axis)] += offset;
+        }
+    }
+    return uneven;
 }
 
 TruthRig Scaled(const TruthRig& rig, double factor)

@@ -45,7 +45,11 @@ TruthRig Transformed(const TruthRig& rig, const std::function<SkeletonRecognizer
                      const QString& suffix);
 TruthRig ZUp(const TruthRig& rig);           // Y up becomes Z up
 TruthRig FacingBack(const TruthRig& rig);    // turned half round about Y
+TruthRig FacingSide(const TruthRig& rig);    // turned a quarter about Y: facing +Z becomes facing +X
 TruthRig Scaled(const TruthRig& rig, double factor);
+// Every joint (and tip) moved by up to `fraction` of its bone's length along each axis, the same way on every run:
+// the unevenness of rigs placed by hand.
+TruthRig Jittered(const TruthRig& rig, double fraction, unsigned seed);
 // Left and right swapped in every name, the geometry kept: the truth follows the geometry.
 TruthRig SidesSwappedInNames(const TruthRig& rig);
 // Several rigs under one root, side by side `spacing` apart along X; names get a per-rig namespace.
