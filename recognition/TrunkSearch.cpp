@@ -119,9 +119,14 @@ std::vector<TrunkSearch::Pair> TrunkSearch::FindPairs() const
         {
             for (size_t j = i + 1; j < branches.size(); ++j)
             {
-                const double likeness = Likeness(branches[i], branches[j]);
+                Limb a = branches[i];
+                Limb b = branches[j];
+                // Branches sorted longest first: the longer one may have been led astray where it splits.
+                if (b.length < 0.7 * a.length)
+                    a = Rerouted(a, b.length);
+                const double likeness = Likeness(a, b);
                 if (likeness >= kMinLikeness)
-                    own.push_back({branches[i], branches[j], likeness});
+                    own.push_back({a, b, likeness});
             }
         }
         // Long, well-mirrored pairs first here too: a skirt's many short chains mirror each other better than the
@@ -139,6 +144,52 @@ std::vector<TrunkSearch::Pair> TrunkSearch::FindPairs() const
     if (pairs.size() > kPairLimit)
         pairs.resize(kPairLimit);
     return pairs;
+}
+
+Limb TrunkSearch::Rerouted(const Limb& limb, double length) const
+{
+    Limb best = limb;
+    double bestMiss = std::abs(std::log(limb.length / length));
+    double along = (mGraph.Position(limb.path.front()) - mGraph.Position(limb.parent)).norm();
+    for (size_t k = 0; k + 1 < limb.path.size(); ++k)
+    {
+        const int joint = limb.path[k];
+        if (k > 0)
+            along += (mGraph.Position(joint) - mGraph.Position(limb.path[k - 1])).norm();
+        for (int child : mGraph.Children(joint))
+        {
+            if (child == limb.path[k + 1])
+                continue;
+            const double rerouted = along + (mGraph.Position(child) - mGraph.Position(joint)).norm() +
+                                    mGraph.ChainLength(child);
+            const double miss = std::abs(std::log(std::max(rerouted, 1e-12) / length));
+            if (miss >= bestMiss)
+                continue;
+            best.path.assign(limb.path.begin(), limb.path.begin() + ptrdiff_t(k) + 1);
+            for (int bone : mGraph.MainPath(child, kPathLimit - int(k) - 1))
+                best.path.push_back(bone);
+            best.end = mGraph.End(best.path.back());
+            best.length = rerouted;
+            bestMiss = miss;
+        }
+    }
+    return best;
+}
+
+bool TrunkSearch::EndsInFingers(const Limb& limb) const
+{
+    for (size_t k = 2; k < limb.path.size(); ++k)
+    {
+        int fingers = 0;
+        for (int child : mGraph.Children(limb.path[k]))
+        {
+            const bool somewhere = !mGraph.Children(child).empty() || mGraph.HasTip(child);
+            fingers += somewhere && !mNames.IsEndMarker(child) && !mNames.IsAccessory(child) ? 1 : 0;
+        }
+        if (fingers >= 2)
+            return true;
+    }
+    return false;
 }
 
 double TrunkSearch::NameFit(const Limb& limb, std::initializer_list<Role> roles) const
@@ -225,6 +276,8 @@ Body TrunkSearch::Assemble(const Pair& legs, const Pair& arms) const
     const double names = 0.5 * (NameFit(legs.a, kLegRoles) + NameFit(legs.b, kLegRoles)) +
                          0.5 * (NameFit(arms.a, kArmRoles) + NameFit(arms.b, kArmRoles));
     const double skin = 0.25 * (SkinFit(legs.a) + SkinFit(legs.b) + SkinFit(arms.a) + SkinFit(arms.b));
+    // Hands split into fingers; a cape or a pair of wings hanging from the chest does not.
+    const double fingers = 0.5 * ((EndsInFingers(arms.a) ? 1.0 : 0.0) + (EndsInFingers(arms.b) ? 1.0 : 0.0));
     bool headAbove = false;
     for (int child : mGraph.Children(armParent))
     {
@@ -235,7 +288,7 @@ Body TrunkSearch::Assemble(const Pair& legs, const Pair& arms) const
     // The feet reach forward to the toes; the spine and the legs together stand straighter.
     body.up = SnappedToAxis((spine / spineLength + up).normalized());
     body.score = 2.0 * (legs.likeness + arms.likeness) + 2.0 * upright - std::abs(std::log(ratio / 0.8)) +
-                 1.5 * names + 1.5 * skin + (headAbove ? 0.5 : 0.0);
+                 1.5 * names + 1.5 * skin + (headAbove ? 0.5 : 0.0) + fingers;
     return body;
 }
 

@@ -2,7 +2,11 @@
 #include <cmath>
 #include <iostream>
 
+#include <Eigen/Core>
+#include <Eigen/Geometry>
 #include <gtest/gtest.h>
+
+#include <zelkin/BoneCatalogue.h>
 
 #include <zelkin/TemplateLibrary.h>
 
@@ -10,6 +14,70 @@
 
 namespace
 {
+using Vector = SkeletonRecognizer::Vector;
+
+Eigen::Vector3d At(const TruthRig& rig, int bone)
+{
+    const Vector& v = rig.bones[size_t(bone)].position;
+    return {v[0], v[1], v[2]};
+}
+
+int BoneOf(const TruthRig& rig, const char* node)
+{
+    const int id = BoneCatalogue::NodeId(node);
+    for (size_t i = 0; i < rig.bones.size(); ++i)
+        if (rig.truth.value(rig.bones[i].name, -1) == id)
+            return int(i);
+    return -1;
+}
+
+// The rig with a cape hanging from the arms' trunk bone behind the back down to the knees, two chains of six, and
+// hair hanging from the head to the waist all round, twelve chains of six; placed in the rig's own frame and size.
+TruthRig WithCapeAndLongHair(const TruthRig& rig)
+{
+    TruthRig dressed = rig;
+    dressed.id += QStringLiteral(" (cape and long hair)");
+    const int hips = BoneOf(rig, "Hips");
+    const int head = BoneOf(rig, "Head");
+    // The trunk bone both arms hang from.
+    int armsFrom = BoneOf(rig, "LeftArm");
+    for (bool holds = false; !holds && armsFrom >= 0;)
+    {
+        armsFrom = rig.bones[size_t(armsFrom)].parent;
+        for (int at = BoneOf(rig, "RightArm"); at >= 0 && !holds; at = rig.bones[size_t(at)].parent)
+            holds = at == armsFrom;
+    }
+    const Eigen::Vector3d up = At(rig, head) - At(rig, hips);
+    const double size = up.norm();
+    const Eigen::Vector3d left = (At(rig, BoneOf(rig, "LeftUpLeg")) - At(rig, BoneOf(rig, "RightUpLeg"))).normalized();
+    const Eigen::Vector3d facing = left.cross(up).normalized();
+    const auto chain = [&](int parent, const QString& name, const Eigen::Vector3d& start, const Eigen::Vector3d& step) {
+        int at = parent;
+        for (int k = 0; k < 6; ++k)
+        {
+            SkeletonRecognizer::Bone bone;
+            bone.name = QStringLiteral("%1_%2").arg(name).arg(k);
+            bone.parent = at;
+            const Eigen::Vector3d p = start + double(k) * step;
+            bone.position = {p.x(), p.y(), p.z()};
+            dressed.bones.push_back(bone);
+            at = int(dressed.bones.size()) - 1;
+        }
+    };
+    const Eigen::Vector3d down = -up.normalized();
+    for (double s : {1.0, -1.0})
+        chain(armsFrom, s > 0 ? "CapeL" : "CapeR", At(rig, armsFrom) + size * (0.2 * s * left - 0.2 * facing),
+              size * (0.22 * down + 0.02 * s * left - 0.02 * facing));
+    for (int c = 0; c < 12; ++c)
+    {
+        const double angle = 3.14159265 * (c + 0.5) / 12.0;
+        const Eigen::Vector3d round = std::cos(angle) * left - std::sin(angle) * facing;
+        chain(head, QStringLiteral("Hair%1").arg(c), At(rig, head) + size * 0.15 * round,
+              size * (0.14 * down + 0.02 * round));
+    }
+    return dressed;
+}
+
 class ConventionRecognitionTest : public testing::Test
 {
 protected:
@@ -69,6 +137,25 @@ TEST_F(ConventionRecognitionTest, TurnedUnevenAndWithSidesSwappedInTheirNames)
         ExpectRight(rigs::SidesSwappedInNames(rig));
         for (double fraction : {0.02, 0.05})
             ExpectRight(rigs::Jittered(rig, fraction, seed++));
+    }
+}
+
+TEST_F(ConventionRecognitionTest, ACapeAndLongHairAsLongAsTheLimbs)
+{
+    // Mirrored chains from the chest and the head that reach the knees and the waist. With names that say
+    // nothing, only the shape tells them from the limbs: the legs carry the body and the hands split into fingers
+    // (without fingers, a cape as long as the arms is theirs to be taken for).
+    for (const TruthRig& rig : conventions::All())
+    {
+        const TruthRig dressed = WithCapeAndLongHair(rig);
+        ExpectRight(dressed);
+        if (BoneOf(rig, "LeftHandIndex1") < 0 && BoneOf(rig, "LeftHandThumb1") < 0)
+            continue;
+        // Dressed, it does as well as without them.
+        const RigScore plain = Run(rigs::WithMeaninglessNames(rig));
+        const RigScore score = Run(rigs::WithMeaninglessNames(dressed));
+        EXPECT_EQ(score.right, plain.right) << score.Describe().toStdString();
+        EXPECT_EQ(score.mappedExtras, plain.mappedExtras) << score.Describe().toStdString();
     }
 }
 

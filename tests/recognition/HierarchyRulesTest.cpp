@@ -127,6 +127,7 @@ public:
         }
         if (options.skirt)
             Skirt(legParent);
+
         if (options.legCopy == Options::UnskinnedCopy)
             for (SkeletonRecognizer::Bone& bone : bones)
                 bone.skinning = bone.name.contains("Copy") ? SkeletonRecognizer::Skinning::DoesNotSkin
@@ -420,6 +421,15 @@ TEST_F(HierarchyRulesTest, TheLegsWinOverWhatMirrorsThemBetter)
     unskinned.legCopy = Options::UnskinnedCopy;
     unskinned.unevenKnee = true;
     Check(Meaningless(Made(unskinned)), Recognize(Meaningless(Made(unskinned))), "copies that skin nothing");
+}
+
+TEST_F(HierarchyRulesTest, APropInOneHandLeavesTheArmAnArm)
+{
+    // A sword longer than the arm leads the right arm's longest chain away from its fingers; with names that say
+    // nothing only the shape tells the arm's path from the sword's.
+    Options sword;
+    sword.weapon = true;
+    Check(Meaningless(Made(sword)), Recognize(Meaningless(Made(sword))), "a sword in the right hand");
 }
 
 TEST_F(HierarchyRulesTest, PosesFromTheArmsAngle)
