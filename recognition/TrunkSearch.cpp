@@ -103,7 +103,40 @@ double TrunkSearch::Likeness(const Limb& a, const Limb& b) const
         error += (PointAlong(mGraph, a, fraction) - mirrored).norm();
     }
     error /= std::size(kFractions) * longer;
-    return std::min(a.length, b.length) / longer * std::exp(-error / 0.12);
+    const double shape = std::min(a.length, b.length) / longer * std::exp(-error / 0.12);
+    // A little below the same shape: the same bones in another pose.
+    return std::max(shape, 0.9 * LengthLikeness(a, b));
+}
+
+double TrunkSearch::LengthLikeness(const Limb& a, const Limb& b) const
+{
+    const size_t count = std::min(a.path.size(), b.path.size());
+    if (count < 2 || std::max(a.path.size(), b.path.size()) > count + 1)
+        return 0.0;
+    const auto at = [this](const Limb& limb, size_t i) { return mGraph.Position(limb.path[i]); };
+    const Vec3 parent = mGraph.Position(a.parent);
+    const double longer = std::max(a.length, b.length);
+    // They stand apart from their first joint or, when both start at one place (clavicles at the top of the
+    // spine), from their second: joints the pose turns the limb about, not ones it moves. There they mirror each
+    // other through a plane that holds their parent's joint.
+    size_t first = 0;
+    if ((at(a, 0) - at(b, 0)).norm() < 0.05 * longer)
+        first = 1;
+    const Vec3 apart = at(a, first) - at(b, first);
+    if (apart.norm() < 0.05 * longer)
+        return 0.0;
+    const Vec3 middle = 0.5 * (at(a, first) + at(b, first));
+    double error = std::abs((at(a, first) - parent).norm() - (at(b, first) - parent).norm()) +
+                   std::abs((middle - parent).dot(apart.normalized()));
+    double total = std::max((at(a, 0) - parent).norm(), (at(b, 0) - parent).norm());
+    for (size_t i = 1; i < count; ++i)
+    {
+        const double lengthA = (at(a, i) - at(a, i - 1)).norm();
+        const double lengthB = (at(b, i) - at(b, i - 1)).norm();
+        error += std::abs(lengthA - lengthB);
+        total += std::max(lengthA, lengthB);
+    }
+    return total > 0.0 ? std::min(a.length, b.length) / longer * std::exp(-error / (0.05 * total)) : 0.0;
 }
 
 std::vector<TrunkSearch::Pair> TrunkSearch::FindPairs() const

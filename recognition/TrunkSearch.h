@@ -30,6 +30,9 @@ private:
     std::vector<Pair> FindPairs() const;
     std::vector<Limb> Branches(int parent) const;
     double Likeness(const Limb& a, const Limb& b) const;
+    // How alike two limbs are whatever their pose: bones of the same lengths in the same order, starting at
+    // mirrored places.
+    double LengthLikeness(const Limb& a, const Limb& b) const;
     // The limb led along another branch where its path splits, the one that brings its length nearest `length`:
     // a prop held in one hand leads that arm's longest chain away from the fingers. The limb itself when no
     // other branch comes nearer.

@@ -14,43 +14,25 @@
 
 namespace
 {
-using Vector = SkeletonRecognizer::Vector;
-
-Eigen::Vector3d At(const TruthRig& rig, int bone)
-{
-    const Vector& v = rig.bones[size_t(bone)].position;
-    return {v[0], v[1], v[2]};
-}
-
-int BoneOf(const TruthRig& rig, const char* node)
-{
-    const int id = BoneCatalogue::NodeId(node);
-    for (size_t i = 0; i < rig.bones.size(); ++i)
-        if (rig.truth.value(rig.bones[i].name, -1) == id)
-            return int(i);
-    return -1;
-}
-
 // The rig with a cape hanging from the arms' trunk bone behind the back down to the knees, two chains of six, and
 // hair hanging from the head to the waist all round, twelve chains of six; placed in the rig's own frame and size.
 TruthRig WithCapeAndLongHair(const TruthRig& rig)
 {
     TruthRig dressed = rig;
     dressed.id += QStringLiteral(" (cape and long hair)");
-    const int hips = BoneOf(rig, "Hips");
-    const int head = BoneOf(rig, "Head");
+    const int head = rigs::BoneOf(rig, "Head");
     // The trunk bone both arms hang from.
-    int armsFrom = BoneOf(rig, "LeftArm");
+    int armsFrom = rigs::BoneOf(rig, "LeftArm");
     for (bool holds = false; !holds && armsFrom >= 0;)
     {
         armsFrom = rig.bones[size_t(armsFrom)].parent;
-        for (int at = BoneOf(rig, "RightArm"); at >= 0 && !holds; at = rig.bones[size_t(at)].parent)
+        for (int at = rigs::BoneOf(rig, "RightArm"); at >= 0 && !holds; at = rig.bones[size_t(at)].parent)
             holds = at == armsFrom;
     }
-    const Eigen::Vector3d up = At(rig, head) - At(rig, hips);
-    const double size = up.norm();
-    const Eigen::Vector3d left = (At(rig, BoneOf(rig, "LeftUpLeg")) - At(rig, BoneOf(rig, "RightUpLeg"))).normalized();
-    const Eigen::Vector3d facing = left.cross(up).normalized();
+    const rigs::Axes axes = rigs::BodyAxes(rig);
+    const double size = axes.size;
+    const Eigen::Vector3d& left = axes.left;
+    const Eigen::Vector3d& facing = axes.facing;
     const auto chain = [&](int parent, const QString& name, const Eigen::Vector3d& start, const Eigen::Vector3d& step) {
         int at = parent;
         for (int k = 0; k < 6; ++k)
@@ -64,15 +46,15 @@ TruthRig WithCapeAndLongHair(const TruthRig& rig)
             at = int(dressed.bones.size()) - 1;
         }
     };
-    const Eigen::Vector3d down = -up.normalized();
+    const Eigen::Vector3d down = -axes.up;
     for (double s : {1.0, -1.0})
-        chain(armsFrom, s > 0 ? "CapeL" : "CapeR", At(rig, armsFrom) + size * (0.2 * s * left - 0.2 * facing),
+        chain(armsFrom, s > 0 ? "CapeL" : "CapeR", rigs::Joint(rig, armsFrom) + size * (0.2 * s * left - 0.2 * facing),
               size * (0.22 * down + 0.02 * s * left - 0.02 * facing));
     for (int c = 0; c < 12; ++c)
     {
         const double angle = 3.14159265 * (c + 0.5) / 12.0;
         const Eigen::Vector3d round = std::cos(angle) * left - std::sin(angle) * facing;
-        chain(head, QStringLiteral("Hair%1").arg(c), At(rig, head) + size * 0.15 * round,
+        chain(head, QStringLiteral("Hair%1").arg(c), rigs::Joint(rig, head) + size * 0.15 * round,
               size * (0.14 * down + 0.02 * round));
     }
     return dressed;
@@ -140,6 +122,14 @@ TEST_F(ConventionRecognitionTest, TurnedUnevenAndWithSidesSwappedInTheirNames)
     }
 }
 
+TEST_F(ConventionRecognitionTest, EveryConventionInAnUnevenPose)
+{
+    // A file saved with the character in a pose of its own: one arm raised 30 degrees above the horizontal, the
+    // other hanging 70 below it, one knee bent.
+    for (const TruthRig& rig : conventions::All())
+        ExpectRight(rigs::Posed(rig, {-30.0, 70.0, 25.0, 0.0}));
+}
+
 TEST_F(ConventionRecognitionTest, ACapeAndLongHairAsLongAsTheLimbs)
 {
     // Mirrored chains from the chest and the head that reach the knees and the waist. With names that say
@@ -149,7 +139,7 @@ TEST_F(ConventionRecognitionTest, ACapeAndLongHairAsLongAsTheLimbs)
     {
         const TruthRig dressed = WithCapeAndLongHair(rig);
         ExpectRight(dressed);
-        if (BoneOf(rig, "LeftHandIndex1") < 0 && BoneOf(rig, "LeftHandThumb1") < 0)
+        if (rigs::BoneOf(rig, "LeftHandIndex1") < 0 && rigs::BoneOf(rig, "LeftHandThumb1") < 0)
             continue;
         // Dressed, it does as well as without them.
         const RigScore plain = Run(rigs::WithMeaninglessNames(rig));

@@ -234,6 +234,7 @@ TruthRig MarkerStudio();
 TruthRig ExtendedAvatar();
 TruthRig FigureCarpalPairs();
 TruthRig Cartoon(bool mittens);
+TruthRig PlatformAvatar();
 
 std::vector<TruthRig> All()
 {
@@ -242,6 +243,6 @@ std::vector<TruthRig> All()
             Avatar(true),         OtherSeparators(), NamespacedGeneric(), BodyModel(),
             CaptureSuit(),        NewerMannequin(),  WholeRiggingArmature(), BlockAvatar(), EngineBiped(),
             AssetPack(),          ScriptRig(),       CaptureLibrary(),  MarkerStudio(),  ExtendedAvatar(),
-            FigureCarpalPairs(),  Cartoon(false),    Cartoon(true)};
+            FigureCarpalPairs(),  Cartoon(false),    Cartoon(true),     PlatformAvatar()};
 }
 } // namespace conventions

@@ -255,8 +255,11 @@ TruthRig Cartoon(bool mittens)
         r.Add(b("wrist"), b("elbow"), arm(0.21, 0, 0), N(w + "Hand"));
         QString thumb = b("wrist");
         for (int k = 0; k < 2; ++k)
-            thumb = r.Add(b(QStringLiteral("thumb_0%1").arg(k + 1)), thumb, arm(0.22 + 0.02 * k, -0.01, 0.02 + 0.015 * k),
+        {
+            const V joint = arm(0.22 + 0.02 * k, -0.01, 0.02 + 0.015 * k);
+            thumb = r.Add(b(QStringLiteral("thumb_0%1").arg(k + 1)), thumb, joint,
                           N(w + QStringLiteral("HandThumb%1").arg(k + 1)));
+        }
         const int count = mittens ? 1 : 3;
         for (int f = 0; f < count; ++f)
         {
@@ -274,6 +277,60 @@ TruthRig Cartoon(bool mittens)
         r.Add(b("ankle"), b("knee"), OnSide(side, {0.06, 0.04, -0.01}), N(w + "Foot"));
         r.Add(b("ball"), b("ankle"), OnSide(side, {0.06, 0.01, 0.06}), N(w + "ToeBase"));
         r.Add(b("toe"), b("ball"), OnSide(side, {0.06, 0.01, 0.1}), -1, true);
+    }
+    return r.Done();
+}
+
+// A social-platform avatar as a converter plug-in names it: words with spaces and a side first ("Left leg" the
+// thigh, "Left knee", "Left ankle", "Left arm" the upper arm, "Left elbow", "Left wrist"), "Upper Chest",
+// fingers "IndexFinger1_L" to "LittleFinger3_L", breasts, hair and a tail; A-pose, facing -Z, Blender's FBX
+// leaf bones at the ends.
+TruthRig PlatformAvatar()
+{
+    Rig r("platform avatar", Body(30), [](const V& v) { return V {-v[0], v[1], -v[2]}; });
+    r.Add("Armature", "", "root");
+    r.Add("Hips", "Armature", "hips", N("Hips"));
+    r.Add("Spine", "Hips", "spine0", N("Spine"));
+    r.Add("Chest", "Spine", "spine1", N("Spine1"));
+    r.Add("Upper Chest", "Chest", "spine2", N("Spine2"));
+    r.Add("Neck", "Upper Chest", "neck0", N("Neck"));
+    r.Add("Head", "Neck", "head", N("Head"));
+    r.Add("Head_end", "Head", "headtop", -1, true);
+    for (int k = 0; k < 8; ++k)
+    {
+        const double angle = k * 0.785;
+        QString parent = "Head";
+        for (int j = 0; j < 3; ++j)
+            parent = r.Add(QStringLiteral("Hair_%1_%2").arg(k).arg(j), parent,
+                           V {0.08 * std::sin(angle), 1.7 - 0.08 * j, 0.08 * std::cos(angle) - 0.03});
+    }
+    QString tail = "Hips";
+    for (int k = 0; k < 4; ++k)
+        tail = r.Add(QStringLiteral("Tail_%1").arg(k), tail, V {0, 0.98 - 0.06 * k, -0.1 - 0.1 * k});
+    const char* const fingers[] = {"Thumb", "IndexFinger", "MiddleFinger", "RingFinger", "LittleFinger"};
+    for (QString side : {"L", "R"})
+    {
+        const QString w = Sided(side);
+        const auto at = [&](const QString& joint) { return r.At(joint + side); };
+        r.Add("Breast_" + side, "Upper Chest", OnSide(side, {0.08, 1.3, 0.06}));
+        r.Add("Breast_" + side + "_end", "Breast_" + side, OnSide(side, {0.09, 1.29, 0.13}));
+        r.Add(w + " shoulder", "Upper Chest", at("clav"), N(w + "Shoulder"));
+        r.Add(w + " arm", w + " shoulder", at("uarm"), N(w + "Arm"));
+        r.Add(w + " elbow", w + " arm", at("farm"), N(w + "ForeArm"));
+        r.Add(w + " wrist", w + " elbow", at("hand"), N(w + "Hand"));
+        for (int f = 0; f < 5; ++f)
+        {
+            const QString last = r.Digit(w + " wrist", side, f, f == 0 ? 0 : 1, f == 0 ? 3 : 4, [&](int i) {
+                return QStringLiteral("%1%2_%3").arg(fingers[f]).arg(i + 1).arg(side);
+            });
+            r.Add(last + "_end", last, r.At(QStringLiteral("f%1_%2%3").arg(f).arg(f == 0 ? 3 : 4).arg(side)), -1,
+                  true);
+        }
+        r.Add(w + " leg", "Hips", at("thigh"), N(w + "UpLeg"));
+        r.Add(w + " knee", w + " leg", at("knee"), N(w + "Leg"));
+        r.Add(w + " ankle", w + " knee", at("ankle"), N(w + "Foot"));
+        r.Add(w + " toe", w + " ankle", at("toe"), N(w + "ToeBase"));
+        r.Add(w + " toe_end", w + " toe", at("toeEnd"), -1, true);
     }
     return r.Done();
 }

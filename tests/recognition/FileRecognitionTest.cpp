@@ -9,7 +9,6 @@
 #include <QJsonObject>
 #include <QTemporaryDir>
 
-#include <Eigen/Geometry>
 #include <gtest/gtest.h>
 
 #include <zelkin/BoneCatalogue.h>
@@ -22,58 +21,6 @@
 namespace
 {
 using Nodes = QMap<QString, QString>; // bone -> node name
-
-using Vector = SkeletonRecognizer::Vector;
-
-Eigen::Vector3d At(const TruthRig& rig, int bone)
-{
-    const Vector& v = rig.bones[size_t(bone)].position;
-    return {v[0], v[1], v[2]};
-}
-
-int BoneOf(const TruthRig& rig, const char* node)
-{
-    const int id = BoneCatalogue::NodeId(node);
-    for (size_t i = 0; i < rig.bones.size(); ++i)
-        if (rig.truth.value(rig.bones[i].name, -1) == id)
-            return int(i);
-    return -1;
-}
-
-// Where the rig's joints stand with its arms lowered by 50 degrees and its knees bent by 25, turning each limb
-// below its shoulder, knee or ankle about the body's own axes.
-std::vector<Vector> Posed(const TruthRig& rig)
-{
-    std::vector<Eigen::Vector3d> at;
-    for (size_t i = 0; i < rig.bones.size(); ++i)
-        at.push_back(At(rig, int(i)));
-    const Eigen::Vector3d left = (at[size_t(BoneOf(rig, "LeftUpLeg"))] - at[size_t(BoneOf(rig, "RightUpLeg"))]).normalized();
-    const Eigen::Vector3d up = (at[size_t(BoneOf(rig, "Head"))] - at[size_t(BoneOf(rig, "Hips"))]).normalized();
-    const Eigen::Vector3d facing = left.cross(up).normalized();
-    const auto turn = [&](int joint, const Eigen::Vector3d& axis, double degrees) {
-        const Eigen::Matrix3d rotation = Eigen::AngleAxisd(degrees / 57.29578, axis).toRotationMatrix();
-        const Eigen::Vector3d pivot = at[size_t(joint)];
-        for (size_t i = 0; i < rig.bones.size(); ++i)
-            for (int a = int(i); a >= 0; a = rig.bones[size_t(a)].parent)
-                if (a == joint)
-                {
-                    at[i] = pivot + rotation * (at[i] - pivot);
-                    break;
-                }
-    };
-    turn(BoneOf(rig, "LeftArm"), facing, -50.0);
-    turn(BoneOf(rig, "RightArm"), facing, 50.0);
-    // Knees bent, feet turned back at the ankles to stay flat on the floor.
-    for (const char* side : {"Left", "Right"})
-    {
-        turn(BoneOf(rig, (QString(side) + "Leg").toLatin1()), left, 25.0);
-        turn(BoneOf(rig, (QString(side) + "Foot").toLatin1()), left, -25.0);
-    }
-    std::vector<Vector> pose;
-    for (const Eigen::Vector3d& v : at)
-        pose.push_back({v.x(), v.y(), v.z()});
-    return pose;
-}
 
 TruthRig Convention(const QString& id)
 {
@@ -233,14 +180,16 @@ TEST_F(FileRecognitionTest, AnArmatureTurnedAndScaledAboveTheBones)
 
 TEST_F(FileRecognitionTest, NodesPosedAwayFromThePoseTheMeshWasBoundIn)
 {
-    // Saved with the character posed, arms lowered and knees bent, while its mesh stays bound in the rig's pose.
+    // Saved with the character posed, arms lowered and knees bent unevenly, while its mesh stays bound in the rig's
+    // own pose.
     QTemporaryDir dir;
     for (const QString id : {"asset pack", "engine biped"})
     {
         const TruthRig rig = Convention(id);
         rigfiles::Options options;
         options.skinned = true;
-        options.nodePose = Posed(rig);
+        for (const SkeletonRecognizer::Bone& bone : rigs::Posed(rig, {40.0, 60.0, 25.0, 10.0}).bones)
+            options.nodePose.push_back(bone.position);
         for (const char* format : {"glb2", "fbx"})
         {
             const QString name = QString(id).replace(' ', '_') + "_posed." + (format[0] == 'g' ? "glb" : "fbx");

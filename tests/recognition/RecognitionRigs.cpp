@@ -1,6 +1,9 @@
 #include "RecognitionRigs.h"
 
+#include <algorithm>
 #include <cmath>
+
+#include <Eigen/Geometry>
 
 #include <QFile>
 #include <QJsonArray>
@@ -146,6 +149,71 @@ TruthRig Jittered(const TruthRig& rig, double fraction, unsigned seed)
         }
     }
     return uneven;
+}
+
+int BoneOf(const TruthRig& rig, const char* node)
+{
+    const int id = BoneCatalogue::NodeId(node);
+    for (size_t i = 0; i < rig.bones.size(); ++i)
+        if (rig.truth.value(rig.bones[i].name, -1) == id)
+            return int(i);
+    return -1;
+}
+
+Eigen::Vector3d Joint(const TruthRig& rig, int bone)
+{
+    const SkeletonRecognizer::Vector& v = rig.bones[size_t(bone)].position;
+    return {v[0], v[1], v[2]};
+}
+
+Axes BodyAxes(const TruthRig& rig)
+{
+    Axes axes;
+    const Eigen::Vector3d up = Joint(rig, BoneOf(rig, "Head")) - Joint(rig, BoneOf(rig, "Hips"));
+    axes.size = up.norm();
+    axes.up = up.normalized();
+    axes.left = (Joint(rig, BoneOf(rig, "LeftUpLeg")) - Joint(rig, BoneOf(rig, "RightUpLeg"))).normalized();
+    axes.facing = axes.left.cross(axes.up).normalized();
+    return axes;
+}
+
+TruthRig Posed(const TruthRig& rig, const Pose& pose)
+{
+    TruthRig posed = rig;
+    posed.id += QStringLiteral(" (posed)");
+    const Axes axes = BodyAxes(rig);
+    const Eigen::Vector3d& up = axes.up;
+    const Eigen::Vector3d& left = axes.left;
+    const Eigen::Vector3d& facing = axes.facing;
+    const auto turn = [&](const char* node, const Eigen::Vector3d& axis, double degrees) {
+        const int joint = BoneOf(rig, node);
+        const Eigen::Matrix3d rotation = Eigen::AngleAxisd(degrees / 57.29578, axis).toRotationMatrix();
+        const Eigen::Vector3d pivot = Joint(posed, joint);
+        const auto turned = [&](SkeletonRecognizer::Vector& v) {
+            const Eigen::Vector3d p = pivot + rotation * (Eigen::Vector3d(v[0], v[1], v[2]) - pivot);
+            v = {p.x(), p.y(), p.z()};
+        };
+        for (size_t i = 0; i < posed.bones.size(); ++i)
+            for (int above = int(i); above >= 0; above = posed.bones[size_t(above)].parent)
+                if (above == joint)
+                {
+                    turned(posed.bones[i].position);
+                    turned(posed.bones[i].tip);
+                    break;
+                }
+    };
+    // From the angle each arm has, shoulder to wrist, to the pose's.
+    const auto below = [&](const char* shoulder, const char* wrist) {
+        const Eigen::Vector3d arm = Joint(rig, BoneOf(rig, wrist)) - Joint(rig, BoneOf(rig, shoulder));
+        return -std::asin(std::clamp(arm.normalized().dot(up), -1.0, 1.0)) * 57.29578;
+    };
+    turn("LeftArm", facing, below("LeftArm", "LeftHand") - pose.leftArm);
+    turn("RightArm", facing, pose.rightArm - below("RightArm", "RightHand"));
+    turn("LeftLeg", left, pose.leftKnee);
+    turn("LeftFoot", left, -pose.leftKnee);
+    turn("RightLeg", left, pose.rightKnee);
+    turn("RightFoot", left, -pose.rightKnee);
+    return posed;
 }
 
 TruthRig Scaled(const TruthRig& rig, double factor)
