@@ -12,7 +12,7 @@ constexpr int kPathLimit = 24;       // no limb of a body has more joints on its
 constexpr int kBranchesPerBone = 8;  // the longest branches of a bone are the ones worth pairing
 constexpr size_t kPairsPerBone = 6;  // a head of hair holds many alike pairs; the limbs are elsewhere
 constexpr size_t kPairLimit = 64;
-constexpr double kMinLikeness = 0.3;
+constexpr double kMinLikeness = 0.5; // limbs mirror each other far better; large random trees' branches barely
 constexpr double kNoRival = 10.0;
 
 const std::initializer_list<Role> kLegRoles = {Role::Hips, Role::Thigh, Role::Shin, Role::Foot, Role::Toe};

@@ -541,6 +541,10 @@ TEST_F(HierarchyRulesTest, SkeletonsThatAreNoHumanoidAreRefused)
     EXPECT_TRUE(recognizer.Recognize(Quadruped()).characters.empty());
     for (unsigned seed : {1u, 7u, 42u, 1234u})
         EXPECT_TRUE(recognizer.Recognize(RandomTree(seed, 120)).characters.empty()) << seed;
+    // Large random trees hold branches that mirror each other a little by chance, and chains of every shape: no
+    // pair that mirrors this poorly is a pair of limbs.
+    for (unsigned seed = 1; seed <= 100; ++seed)
+        EXPECT_TRUE(recognizer.Recognize(RandomTree(seed, 400)).characters.empty()) << seed;
     const SkeletonRecognizer::Result nothing = recognizer.Recognize(Chain(5));
     EXPECT_EQ(nothing.outside.size(), 5u);
 }
