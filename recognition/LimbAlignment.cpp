@@ -192,6 +192,17 @@ void LimbAlignment::AlignLeg(Limb& leg) const
     double lowestJoint = 1e300;
     for (int bone : joints)
         lowestJoint = std::min(lowestJoint, height(mGraph.Position(bone)));
+    // Where three or more toes split off, on the floor (bones around the ankle that shape the skin are no toes).
+    const double toeHeight = lowestJoint + 0.04 * (height(at(0)) - lowestJoint);
+    std::vector<bool> toes(size_t(n), false);
+    for (int i = 0; i < n; ++i)
+    {
+        int count = 0;
+        for (int child : mGraph.Children(joints[i]))
+            count += !mNames.IsEndMarker(child) && !mNames.IsAccessory(child) &&
+                             height(mGraph.Position(child)) < toeHeight ? 1 : 0;
+        toes[size_t(i)] = count >= 3;
+    }
     double best = -1e300;
     for (int u = 0; u < n; ++u)
     {
@@ -214,9 +225,12 @@ void LimbAlignment::AlignLeg(Limb& leg) const
                                      NameSupport(joints[f], Role::Foot);
                 const double base = geometry + ankle + kNameWeight * names - leading - SkipCost(joints, u, k) -
                                     SkipCost(joints, k, f);
-                // The toe, if any, runs forward along the floor from the foot.
+                // The toe, if any, runs forward along the floor from the foot; none is past where the toes split
+                // off (toes that hang from the foot itself leave it none).
                 for (int t = f; t < n; ++t)
                 {
+                    if (t > f && std::find(toes.begin() + f, toes.begin() + t, true) != toes.begin() + t)
+                        break;
                     double score = base;
                     if (t > f)
                     {

@@ -46,6 +46,7 @@ struct Options
     bool featureLeaves = false;     // the head ends in its eyes alone, no end bone or jaw
     bool skirt = false;             // eight mirrored chains round the hips, shorter than the legs
     bool unevenKnee = false;        // the left knee 3 cm further out than the right
+    bool toesFromFoot = false;      // five toes hang from the foot itself, no ball of the foot between
     enum Copy
     {
         NoCopy,
@@ -171,6 +172,13 @@ private:
         const int knee = Add("Calf" + p, kneeParent, s * (0.09 + kneeOut), 0.52, 0.01, node(side == 0 ? 3 : 6));
         const int foot =
             Add("Foot" + p, options.detachedFeet ? 0 : knee, s * 0.09, 0.09, -0.02, node(side == 0 ? 4 : 7));
+        if (options.toesFromFoot)
+        {
+            for (int t = 0; t < 5; ++t)
+                Add(QStringLiteral("Toe%1").arg(t) + p, foot, s * (0.065 + 0.012 * t), 0.0, 0.11 - 0.005 * t,
+                    node((side == 0 ? 98 : 122) + 4 * t));
+            return;
+        }
         const int toe = Add("Toe" + p, foot, s * 0.09, 0.0, 0.09, node(side == 0 ? 16 : 17));
         Add("Toe_End" + p, toe, s * 0.09, 0.0, 0.17);
     }
@@ -421,6 +429,14 @@ TEST_F(HierarchyRulesTest, TheLegsWinOverWhatMirrorsThemBetter)
     unskinned.legCopy = Options::UnskinnedCopy;
     unskinned.unevenKnee = true;
     Check(Meaningless(Made(unskinned)), Recognize(Meaningless(Made(unskinned))), "copies that skin nothing");
+}
+
+TEST_F(HierarchyRulesTest, ToesHangingFromTheFootLeaveItNoBallOfTheFoot)
+{
+    Options toes;
+    toes.toesFromFoot = true;
+    Check(Made(toes), Recognize(Made(toes)), "toes from the foot");
+    Check(Meaningless(Made(toes)), Recognize(Meaningless(Made(toes))), "toes from the foot, names that say nothing");
 }
 
 TEST_F(HierarchyRulesTest, APropInOneHandLeavesTheArmAnArm)
