@@ -75,7 +75,7 @@ TEST(BoneNameTest, RoleWordsInEnglishAndRomanisedNames)
     EXPECT_EQ(BoneName::Read("Bone.012").Strongest(), Role::Count);
 }
 
-TEST(BoneNameTest, JapaneseNamesWithFullWidthDigitsAndHelperMarks)
+TEST(BoneNameTest, JapaneseAndChineseNamesWithFullWidthDigitsAndHelperMarks)
 {
     const struct
     {
@@ -93,7 +93,14 @@ TEST(BoneNameTest, JapaneseNamesWithFullWidthDigitsAndHelperMarks)
                  {"左足D", Role::Helper, Side::Left},     {"右肩P", Role::Helper, Side::Right},
                  {"左肩C", Role::Helper, Side::Left},     {"左足先EX", Role::Helper, Side::Left},
                  {"左足ＩＫ", Role::Helper, Side::Left},  {"左腕捩", Role::Twist, Side::Left},
-                 {"両目", Role::Face, Side::None},        {"腰キャンセル左", Role::Helper, Side::Left}};
+                 {"両目", Role::Face, Side::None},        {"腰キャンセル左", Role::Helper, Side::Left},
+                 // Chinese names of the same bones.
+                 {"骨盆", Role::Hips, Side::None},        {"脊椎2", Role::Spine, Side::None},
+                 {"头部", Role::Head, Side::None},        {"左锁骨", Role::Clavicle, Side::Left},
+                 {"左上臂", Role::UpperArm, Side::Left},  {"右前臂", Role::ForeArm, Side::Right},
+                 {"左手腕", Role::Hand, Side::Left},      {"右大腿", Role::Thigh, Side::Right},
+                 {"左小腿", Role::Shin, Side::Left},      {"右脚踝", Role::Foot, Side::Right},
+                 {"左拇指1", Role::Thumb, Side::Left},    {"右无名指2", Role::Ring, Side::Right}};
     for (const auto& c : cases)
     {
         const NameReading reading = BoneName::Read(QString::fromUtf8(c.name));
