@@ -3,7 +3,7 @@
 # ZELKIN_SCENE_FILES is their folder (one folder per format inside), zelkin_scene_files the target that writes them.
 find_package(assimp REQUIRED)
 add_executable(make_scene_files ${PROJECT_SOURCE_DIR}/tests/support/make_scene_files.cpp
-    ${PROJECT_SOURCE_DIR}/tests/support/BinaryFbx.cpp)
+    ${PROJECT_SOURCE_DIR}/tests/support/BinaryFbx.cpp ${PROJECT_SOURCE_DIR}/tests/support/SkinnedMesh.cpp)
 zelkin_warnings(make_scene_files)
 target_link_libraries(make_scene_files PRIVATE assimp::assimp Qt6::Core)
 

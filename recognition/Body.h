@@ -73,4 +73,12 @@ struct Body
 
     std::vector<Placement> digits;  // fingers, toes and what carries them
     std::vector<int> extraDigits;   // finger or toe joints past the fourth
+
+    // The side names give the bones on the body's `side`: the other one when they are mirrored.
+    Side NamedSide(Side side) const
+    {
+        if (!namesMirrored || side == Side::None)
+            return side;
+        return side == Side::Left ? Side::Right : Side::Left;
+    }
 };

@@ -80,6 +80,19 @@ std::vector<QString> Segment(const QString& word)
     return result.size() > 1 ? result : std::vector<QString>();
 }
 
+// A side letter glued to the first letter of "upper" or "fore" before the limb's word: "LUArm", "RFArm".
+std::vector<QString> Abbreviated(const QString& word, const QString& next)
+{
+    const bool limb = next == QLatin1String("arm") || next == QLatin1String("leg");
+    if (word.size() != 2 || (word[0] != u'l' && word[0] != u'r') || !limb)
+        return {};
+    if (word[1] == u'u')
+        return {word.left(1), QStringLiteral("upper")};
+    if (word[1] == u'f')
+        return {word.left(1), QStringLiteral("fore")};
+    return {};
+}
+
 struct Reader
 {
     NameReading reading;
@@ -126,11 +139,15 @@ struct Reader
 
     void ReadWords(QStringView text)
     {
-        for (const QString& word : SplitWords(text))
+        const QStringList split = SplitWords(text);
+        for (qsizetype at = 0; at < split.size(); ++at)
         {
+            const QString& word = split[at];
             if (word.front().isDigit())
                 continue;
-            const std::vector<QString> pieces = lexicon::Find(word) != nullptr ? std::vector<QString>() : Segment(word);
+            std::vector<QString> pieces = lexicon::Find(word) != nullptr ? std::vector<QString>() : Segment(word);
+            if (at + 1 < split.size() && pieces.empty())
+                pieces = Abbreviated(word, split[at + 1]);
             if (pieces.empty())
                 words.push_back(word);
             else

@@ -11,11 +11,13 @@ namespace
 constexpr int kMaxSpine = 10; // Spine and Spine1 to Spine9
 constexpr int kMaxNeck = 10;  // Neck and Neck1 to Neck9
 // In the body's scale (hips to feet): how far a hips joint may stand from the thighs' start, where a neck joint
-// starts relative to the shoulders, how high a head joint stands at least, and where the top of the skull is.
+// starts relative to where the arms start (the clavicles' joints), how high a head joint stands at least above
+// the shoulders, and where the top of the skull is.
 constexpr double kHipsReach = 0.12;
-constexpr double kNeckStart = -0.02;
+constexpr double kNeckStart = 0.01;
 constexpr double kHeadLow = 0.08;
 constexpr double kSkullTop = 0.3;
+constexpr double kSamePlace = 0.02;
 
 double Clamp(double value)
 {
@@ -28,6 +30,8 @@ CentralChain::CentralChain(const SkeletonGraph& graph, const NameEvidence& names
 {
     mThighs = 0.5 * (mGraph.Position(body.legs[0].upper) + mGraph.Position(body.legs[1].upper));
     mShoulders = 0.5 * (mGraph.Position(body.arms[0].upper) + mGraph.Position(body.arms[1].upper));
+    const auto root = [&](const Limb& arm) { return mGraph.Position(arm.girdle >= 0 ? arm.girdle : arm.upper); };
+    mArmRoots = 0.5 * (root(body.arms[0]) + root(body.arms[1]));
 }
 
 void CentralChain::Find()
@@ -39,13 +43,33 @@ void CentralChain::Find()
     // Up from the hips to the arms' trunk bone; a trunk bone left below the hips (a centre bone above legs that
     // hang beside the spine) is no part of it.
     const int start = mGraph.IsAncestorOrSelf(mBody.hips, armParent) ? mBody.hips : mBody.top;
-    std::vector<int> central = mGraph.PathDown(start, armParent);
+    std::vector<int> central = WithoutDetours(mGraph.PathDown(start, armParent));
     if (!central.empty())
         central.erase(central.begin());
     // The rise above the arms is never spine.
     const int mostSpine = int(central.size());
     central.insert(central.end(), rise.begin(), rise.end());
     SplitSpineAndNeck(central, mostSpine);
+}
+
+std::vector<int> CentralChain::WithoutDetours(const std::vector<int>& path) const
+{
+    // Extra joints that step away and then back onto a joint's place (as spine joints that fold back onto the
+    // pelvis, there only for animation, do) make a detour no spine bone stands for. A joint right on the one
+    // before it (a lower back starting at the hips) is no detour.
+    std::vector<int> kept;
+    for (int bone : path)
+    {
+        const auto last = kept.empty() ? kept.end() : kept.end() - 1;
+        const auto back = std::find_if(kept.begin(), last, [&](int earlier) {
+            return (mGraph.Position(bone) - mGraph.Position(earlier)).norm() < kSamePlace * mBody.scale;
+        });
+        if (back != last)
+            kept.erase(back + 1, kept.end());
+        else
+            kept.push_back(bone);
+    }
+    return kept;
 }
 
 bool CentralChain::IsPassThrough(int bone, int child) const
@@ -110,12 +134,14 @@ std::vector<int> CentralChain::FollowUp(int from) const
         chain.push_back(at);
         int next = -1;
         int branches = 0;
+        int leaves = 0;
         double rise = 0.0;
         for (int child : mGraph.Children(at))
         {
             if (mNames.IsEndMarker(child))
                 continue;
             ++branches;
+            leaves += mGraph.Children(child).empty() ? 1 : 0;
             const Vec3 step = mGraph.Position(child) - mGraph.Position(at);
             const Vec3 offset = mGraph.Position(child) - axis;
             const double lateral = (offset - offset.dot(mBody.up) * mBody.up).norm();
@@ -127,8 +153,9 @@ std::vector<int> CentralChain::FollowUp(int from) const
                 next = child;
             }
         }
-        // Where many branches fan out (eyes, jaw, hair) the head has been reached.
-        at = branches >= 3 ? -1 : next;
+        // Where many branches fan out (eyes, jaw, hair), or only features end (eyes and brows), the head has been
+        // reached.
+        at = branches >= 3 || (branches >= 2 && leaves == branches) ? -1 : next;
     }
     return chain;
 }
@@ -143,7 +170,7 @@ std::vector<int> CentralChain::RiseAboveArms() const
         if (child == mBody.arms[0].path.front() || child == mBody.arms[1].path.front() || mNames.IsEndMarker(child))
             continue;
         const Vec3 step = mGraph.Position(child) - mGraph.Position(armParent);
-        if (step.dot(mBody.up) < 0.0 || mNames.IsAccessory(child))
+        if (step.dot(mBody.up) < -kSamePlace * mBody.scale || mNames.IsAccessory(child))
             continue;
         const std::vector<int> chain = FollowUp(child);
         const double top = (mGraph.Position(chain.back()) - mGraph.Position(armParent)).dot(mBody.up);
@@ -185,7 +212,8 @@ void CentralChain::SplitSpineAndNeck(const std::vector<int>& central, int mostSp
     for (int i = 0; i < count; ++i)
     {
         const NameReading& name = mNames[central[i]];
-        neckness[i] = 2.0 * Clamp((AboveShoulders(central[i]) - kNeckStart) / 0.05) +
+        const double aboveArms = (mGraph.Position(central[i]) - mArmRoots).dot(mBody.up) / mBody.scale;
+        neckness[i] = 2.0 * Clamp((aboveArms - kNeckStart) / 0.05) +
                       (name.Support(Role::Neck) - name.Support({Role::Spine, Role::Chest}));
     }
     int split = std::min(count, 1);

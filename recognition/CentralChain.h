@@ -21,6 +21,8 @@ private:
     void ChooseHips();
     // The bones from above the arms' trunk bone up to the head, going up the body's middle.
     std::vector<int> RiseAboveArms() const;
+    // The path without joints that only step away from a joint's place and back.
+    std::vector<int> WithoutDetours(const std::vector<int>& path) const;
     std::vector<int> FollowUp(int from) const;
     void ChooseHead(std::vector<int>& rise);
     void SplitSpineAndNeck(const std::vector<int>& central, int mostSpine);
@@ -33,4 +35,5 @@ private:
     Body& mBody;
     Vec3 mThighs;
     Vec3 mShoulders;
+    Vec3 mArmRoots;
 };

@@ -63,7 +63,8 @@ Placement CharacterReport::Make(int node, int bone, double hierarchy, double geo
     Side side = Side::None;
     const Role role = NameEvidence::RoleOfNode(node, side);
     const NameReading& name = mNames[bone];
-    const double support = role == Role::Spine ? name.Support({Role::Spine, Role::Chest}) : name.Support(role, side);
+    const double support =
+        role == Role::Spine ? name.Support({Role::Spine, Role::Chest}) : name.Support(role, mBody.NamedSide(side));
     return {node, bone, hierarchy, geometry, support};
 }
 

@@ -31,13 +31,14 @@ Digits::Chain Digits::MakeChain(int first, int wrist) const
             chain.bones.push_back(bone);
     if (chain.bones.empty())
         return chain;
-    // A first bone that starts at the wrist, ahead of three more, runs through the palm.
+    // A first bone that starts at the wrist itself, or near it ahead of three more, runs through the palm.
     if (chain.bones.size() >= 2)
     {
         const Vec3 start = mGraph.Position(chain.bones[0]);
         const double knuckle = (mGraph.Position(chain.bones[1]) - start).norm();
-        chain.metacarpal = mNames[chain.bones[0]].Of(Role::Metacarpal) >= 0.6f ||
-                           (chain.bones.size() >= 4 && (start - mGraph.Position(wrist)).norm() < 0.5 * knuckle);
+        const double fromWrist = (start - mGraph.Position(wrist)).norm();
+        chain.metacarpal = mNames[chain.bones[0]].Of(Role::Metacarpal) >= 0.6f || fromWrist < 0.25 * knuckle ||
+                           (chain.bones.size() >= 4 && fromWrist < 0.75 * knuckle);
     }
     const size_t from = chain.metacarpal ? 1 : 0;
     chain.base = mGraph.Position(chain.bones[from]);
@@ -162,7 +163,7 @@ bool Digits::NamedDigits(std::vector<Chain>& chains) const
     return true;
 }
 
-void Digits::Place(const Chain& chain, bool hand, Side side, double certainty)
+void Digits::Place(const Chain& chain, bool hand, Side side, double certainty, bool soleFinger)
 {
     const bool left = side == Side::Left;
     const int first = hand ? (left ? 50 : 74) : (left ? 98 : 122);
@@ -171,10 +172,12 @@ void Digits::Place(const Chain& chain, bool hand, Side side, double certainty)
     const auto place = [&](int node, int bone) {
         Side nodeSide = Side::None;
         const Role role = NameEvidence::RoleOfNode(node, nodeSide);
-        mBody.digits.push_back({node, bone, 0.8, certainty, mNames[bone].Support(role, nodeSide)});
+        mBody.digits.push_back({node, bone, 0.8, certainty, mNames[bone].Support(role, mBody.NamedSide(nodeSide))});
     };
-    // A bone named for the base of the fingers, as some capture rigs have between the hand and one finger.
-    if (hand && chain.bones.size() >= 2 && mNames[chain.bones[0]].Of(Role::FingerBase) >= 0.6f)
+    // A bone named for the base of the fingers, or a palm bone before the only finger, as capture rigs have
+    // between the hand and the one finger that stands for all four.
+    if (hand && chain.bones.size() >= 2 &&
+        (mNames[chain.bones[0]].Of(Role::FingerBase) >= 0.6f || (soleFinger && chain.metacarpal)))
     {
         mBody.digits.push_back({left ? 21 : 22, chain.bones[0], 0.7, certainty, mNames[chain.bones[0]].Of(Role::FingerBase)});
         start = 1;
@@ -234,7 +237,7 @@ void Digits::ReadHand(const Limb& arm)
         Place(chains[thumb], true, arm.side, certainty);
     }
     for (size_t i = 0; i < others.size() && int(i) < kDigitCount - 1; ++i)
-        Place(others[i], true, arm.side, certainty);
+        Place(others[i], true, arm.side, certainty, others.size() == 1);
     if (carrier >= 0)
         mBody.digits.push_back({arm.side == Side::Left ? 21 : 22, carrier, 0.7, 0.6,
                                 mNames[carrier].Support({Role::FingerBase, Role::Hand, Role::Metacarpal})});

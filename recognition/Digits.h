@@ -37,7 +37,7 @@ private:
     int FindThumb(const std::vector<Chain>& chains, const Vec3& wrist, const Vec3& along, double& margin) const;
     // Orders the chains across the hand from `first`'s side; names override when they tell every finger apart.
     bool NamedDigits(std::vector<Chain>& chains) const;
-    void Place(const Chain& chain, bool hand, Side side, double certainty);
+    void Place(const Chain& chain, bool hand, Side side, double certainty, bool soleFinger = false);
 
     const SkeletonGraph& mGraph;
     const NameEvidence& mNames;

@@ -72,6 +72,18 @@ bool LimbAlignment::FansOut(int bone) const
     return branches >= 2;
 }
 
+bool LimbAlignment::SplitsIntoFingers(int bone) const
+{
+    // Leaves without a tip beside a chain are helpers (twist bones hanging from a twist bone), not fingers.
+    int fingers = 0;
+    for (int child : mGraph.Children(bone))
+    {
+        const bool somewhere = !mGraph.Children(child).empty() || mGraph.HasTip(child);
+        fingers += somewhere && !mNames.IsEndMarker(child) && !mNames.IsAccessory(child) ? 1 : 0;
+    }
+    return fingers >= 2;
+}
+
 double LimbAlignment::SkipCost(const std::vector<int>& path, int from, int to) const
 {
     double cost = 0.0;
@@ -109,6 +121,13 @@ void LimbAlignment::AlignArm(Limb& arm) const
     const std::vector<int> joints = Joints(arm);
     const int n = int(joints.size());
     const auto at = [this, &joints](int i) { return mGraph.Position(joints[i]); };
+    std::vector<bool> fans(size_t(n), false);
+    std::vector<bool> fingers(size_t(n), false);
+    for (int i = 0; i < n; ++i)
+    {
+        fans[size_t(i)] = FansOut(joints[i]);
+        fingers[size_t(i)] = SplitsIntoFingers(joints[i]);
+    }
     double best = -1e300;
     for (int u = 0; u < n; ++u)
     {
@@ -116,6 +135,9 @@ void LimbAlignment::AlignArm(Limb& arm) const
         {
             for (int h = f + 1; h < n; ++h)
             {
+                // The wrist is never past where the fingers split off.
+                if (std::find(fingers.begin() + f + 1, fingers.begin() + h, true) != fingers.begin() + h)
+                    continue;
                 const double upper = (at(f) - at(u)).norm();
                 const double fore = (at(h) - at(f)).norm();
                 const double geometry = -2.0 * LogMiss(upper / fore, kArmRatio) -
@@ -123,7 +145,7 @@ void LimbAlignment::AlignArm(Limb& arm) const
                 // The wrist is where the fingers fan out, or, when the hand has none, the last joint or the one
                 // before a lone leaf that only marks where the hand ends.
                 const bool handEnd = h == n - 2 && mGraph.Children(joints[n - 1]).empty();
-                const double wrist = FansOut(joints[h]) ? 1.0 : (h == n - 1 || handEnd ? 0.7 : 0.0);
+                const double wrist = fans[size_t(h)] ? 1.0 : (h == n - 1 || handEnd ? 0.7 : 0.0);
                 const double names = NameSupport(joints[u], Role::UpperArm) +
                                      NameSupport(joints[f], Role::ForeArm) + NameSupport(joints[h], Role::Hand);
                 const double base = geometry + wrist + kNameWeight * names - SkipCost(joints, u, f) -
@@ -170,6 +192,17 @@ void LimbAlignment::AlignLeg(Limb& leg) const
     double lowestJoint = 1e300;
     for (int bone : joints)
         lowestJoint = std::min(lowestJoint, height(mGraph.Position(bone)));
+    // Where three or more toes split off, on the floor (bones around the ankle that shape the skin are no toes).
+    const double toeHeight = lowestJoint + 0.04 * (height(at(0)) - lowestJoint);
+    std::vector<bool> toes(size_t(n), false);
+    for (int i = 0; i < n; ++i)
+    {
+        int count = 0;
+        for (int child : mGraph.Children(joints[i]))
+            count += !mNames.IsEndMarker(child) && !mNames.IsAccessory(child) &&
+                             height(mGraph.Position(child)) < toeHeight ? 1 : 0;
+        toes[size_t(i)] = count >= 3;
+    }
     double best = -1e300;
     for (int u = 0; u < n; ++u)
     {
@@ -186,21 +219,33 @@ void LimbAlignment::AlignLeg(Limb& leg) const
                 const double hipHeight = height(at(u));
                 const double geometry = -2.0 * LogMiss(thigh / shin, kLegRatio) -
                                         2.0 * LogMiss((thigh + shin) / hipHeight, kLegToHipHeight);
+                const auto onFloor = [&](int i) { return height(at(i)) < lowestJoint + 0.015 * hipHeight; };
                 const double ankle = height(at(f)) <= 0.15 * hipHeight ? 0.5 : -0.5;
                 const double names = NameSupport(joints[u], Role::Thigh) + NameSupport(joints[k], Role::Shin) +
                                      NameSupport(joints[f], Role::Foot);
                 const double base = geometry + ankle + kNameWeight * names - leading - SkipCost(joints, u, k) -
                                     SkipCost(joints, k, f);
-                // The toe, if any, runs forward along the floor from the foot.
+                // The toe, if any, runs forward along the floor from the foot; none is past where the toes split
+                // off (toes that hang from the foot itself leave it none).
                 for (int t = f; t < n; ++t)
                 {
+                    if (t > f && std::find(toes.begin() + f, toes.begin() + t, true) != toes.begin() + t)
+                        break;
                     double score = base;
                     if (t > f)
                     {
                         // The toe's joint is the ball of the foot, on the floor in front of the ankle.
                         const Vec3 step = at(t) - at(f);
                         score += std::abs(step.dot(mBody.up)) < 0.8 * step.norm() ? 0.3 : -0.5;
-                        score += height(at(t)) < lowestJoint + 0.015 * hipHeight ? 0.8 : 0.0;
+                        score += onFloor(t) ? 0.8 : 0.0;
+                        // The ankle stands above the floor the foot goes on along.
+                        score -= onFloor(f) ? 0.5 : 0.0;
+                        // A bare leaf past the ball of the foot, along the floor, only marks where the toes end.
+                        const Vec3 along = at(t) - at(t - 1);
+                        const bool bareLeaf = mGraph.Children(joints[t]).empty() && !mGraph.HasTip(joints[t]);
+                        if (t == n - 1 && t > f + 1 && bareLeaf && std::abs(along.dot(mBody.up)) < 0.2 * along.norm() &&
+                            height(at(t - 1)) - lowestJoint < 0.5 * (height(at(f)) - lowestJoint))
+                            score -= 0.8;
                         score += kNameWeight * NameSupport(joints[t], Role::Toe) - SkipCost(joints, f, t);
                     }
                     else if (f + 1 < n)

@@ -24,6 +24,8 @@ private:
     int RollBetween(const std::vector<int>& path, int from, int to) const;
     double NameSupport(int bone, Role role) const;
     bool FansOut(int bone) const;
+    // Two or more of its branches go somewhere, as fingers do.
+    bool SplitsIntoFingers(int bone) const;
     // The limb's joints worth choosing: its path without end markers, at most a dozen.
     std::vector<int> Joints(const Limb& limb) const;
 

@@ -182,6 +182,16 @@ const Entry kJapanese[] = {
     {"ダミー", M(Role::Helper, 1.0f)}, {"髪", M(Role::Hair, 1.0f)}, {"スカート", M(Role::Cloth, 1.0f)},
     {"胸", M(Role::Cloth, 0.6f)}, {"乳", M(Role::Cloth, 1.0f)}, {"尻尾", M(Role::Tail, 1.0f)},
     {"しっぽ", M(Role::Tail, 1.0f)}, {"武器", M(Role::Prop, 1.0f)},
+    // Chinese, where it differs from the Japanese ("脚" is a foot there, a leg here: left to the shape).
+    {"骨盆", M(Role::Hips, 1.0f)}, {"脊椎", M(Role::Spine, 1.0f)}, {"颈", M(Role::Neck, 1.0f)},
+    {"脖子", M(Role::Neck, 1.0f)}, {"头", M(Role::Head, 1.0f)}, {"锁骨", M(Role::Clavicle, 1.0f)},
+    {"上臂", M(Role::UpperArm, 1.0f)}, {"大臂", M(Role::UpperArm, 1.0f)}, {"前臂", M(Role::ForeArm, 1.0f)},
+    {"小臂", M(Role::ForeArm, 1.0f)}, {"手腕", M(Role::Hand, 1.0f)}, {"手掌", M(Role::Hand, 0.8f)},
+    {"大腿", M(Role::Thigh, 1.0f)}, {"小腿", M(Role::Shin, 1.0f)}, {"脚踝", M(Role::Foot, 1.0f)},
+    {"脚趾", M(Role::Toe, 1.0f)}, {"拇指", M(Role::Thumb, 1.0f)}, {"食指", M(Role::Index, 1.0f)},
+    {"无名指", M(Role::Ring, 1.0f)}, {"手指", M(Role::Finger, 0.8f)}, {"眼", M(Role::Face, 0.9f)},
+    {"下巴", M(Role::Face, 1.0f)}, {"头发", M(Role::Hair, 1.0f)}, {"裙", M(Role::Cloth, 1.0f)},
+    {"尾巴", M(Role::Tail, 1.0f)}, {"根骨骼", M(Role::Root, 1.0f)},
 };
 
 struct Tables
@@ -224,7 +234,11 @@ namespace lexicon
 {
 const WordMeaning* Find(QStringView word)
 {
-    return FindIn(TheTables().words, word);
+    const WordMeaning* meaning = FindIn(TheTables().words, word);
+    // Plurals of the known words: "eyebrows", "lashes" are the worse for no entry of their own.
+    if (meaning == nullptr && word.size() > 3 && word.endsWith(u's'))
+        meaning = FindIn(TheTables().words, word.chopped(1));
+    return meaning;
 }
 
 const WordMeaning* Compound(QStringView first, QStringView second)

@@ -12,7 +12,7 @@ constexpr int kPathLimit = 24;       // no limb of a body has more joints on its
 constexpr int kBranchesPerBone = 8;  // the longest branches of a bone are the ones worth pairing
 constexpr size_t kPairsPerBone = 6;  // a head of hair holds many alike pairs; the limbs are elsewhere
 constexpr size_t kPairLimit = 64;
-constexpr double kMinLikeness = 0.3;
+constexpr double kMinLikeness = 0.5; // limbs mirror each other far better; large random trees' branches barely
 constexpr double kNoRival = 10.0;
 
 const std::initializer_list<Role> kLegRoles = {Role::Hips, Role::Thigh, Role::Shin, Role::Foot, Role::Toe};
@@ -103,7 +103,40 @@ double TrunkSearch::Likeness(const Limb& a, const Limb& b) const
         error += (PointAlong(mGraph, a, fraction) - mirrored).norm();
     }
     error /= std::size(kFractions) * longer;
-    return std::min(a.length, b.length) / longer * std::exp(-error / 0.12);
+    const double shape = std::min(a.length, b.length) / longer * std::exp(-error / 0.12);
+    // A little below the same shape: the same bones in another pose.
+    return std::max(shape, 0.9 * LengthLikeness(a, b));
+}
+
+double TrunkSearch::LengthLikeness(const Limb& a, const Limb& b) const
+{
+    const size_t count = std::min(a.path.size(), b.path.size());
+    if (count < 2 || std::max(a.path.size(), b.path.size()) > count + 1)
+        return 0.0;
+    const auto at = [this](const Limb& limb, size_t i) { return mGraph.Position(limb.path[i]); };
+    const Vec3 parent = mGraph.Position(a.parent);
+    const double longer = std::max(a.length, b.length);
+    // They stand apart from their first joint or, when both start at one place (clavicles at the top of the
+    // spine), from their second: joints the pose turns the limb about, not ones it moves. There they mirror each
+    // other through a plane that holds their parent's joint.
+    size_t first = 0;
+    if ((at(a, 0) - at(b, 0)).norm() < 0.05 * longer)
+        first = 1;
+    const Vec3 apart = at(a, first) - at(b, first);
+    if (apart.norm() < 0.05 * longer)
+        return 0.0;
+    const Vec3 middle = 0.5 * (at(a, first) + at(b, first));
+    double error = std::abs((at(a, first) - parent).norm() - (at(b, first) - parent).norm()) +
+                   std::abs((middle - parent).dot(apart.normalized()));
+    double total = std::max((at(a, 0) - parent).norm(), (at(b, 0) - parent).norm());
+    for (size_t i = 1; i < count; ++i)
+    {
+        const double lengthA = (at(a, i) - at(a, i - 1)).norm();
+        const double lengthB = (at(b, i) - at(b, i - 1)).norm();
+        error += std::abs(lengthA - lengthB);
+        total += std::max(lengthA, lengthB);
+    }
+    return total > 0.0 ? std::min(a.length, b.length) / longer * std::exp(-error / (0.05 * total)) : 0.0;
 }
 
 std::vector<TrunkSearch::Pair> TrunkSearch::FindPairs() const
@@ -119,12 +152,21 @@ std::vector<TrunkSearch::Pair> TrunkSearch::FindPairs() const
         {
             for (size_t j = i + 1; j < branches.size(); ++j)
             {
-                const double likeness = Likeness(branches[i], branches[j]);
+                Limb a = branches[i];
+                Limb b = branches[j];
+                // Branches sorted longest first: the longer one may have been led astray where it splits.
+                if (b.length < 0.7 * a.length)
+                    a = Rerouted(a, b.length);
+                const double likeness = Likeness(a, b);
                 if (likeness >= kMinLikeness)
-                    own.push_back({branches[i], branches[j], likeness});
+                    own.push_back({a, b, likeness});
             }
         }
-        std::stable_sort(own.begin(), own.end(), [](const Pair& x, const Pair& y) { return x.likeness > y.likeness; });
+        // Long, well-mirrored pairs first here too: a skirt's many short chains mirror each other better than the
+        // legs beside them do.
+        std::stable_sort(own.begin(), own.end(), [](const Pair& x, const Pair& y) {
+            return x.likeness * x.a.length > y.likeness * y.a.length;
+        });
         own.resize(std::min(own.size(), kPairsPerBone));
         pairs.insert(pairs.end(), own.begin(), own.end());
     }
@@ -137,6 +179,52 @@ std::vector<TrunkSearch::Pair> TrunkSearch::FindPairs() const
     return pairs;
 }
 
+Limb TrunkSearch::Rerouted(const Limb& limb, double length) const
+{
+    Limb best = limb;
+    double bestMiss = std::abs(std::log(limb.length / length));
+    double along = (mGraph.Position(limb.path.front()) - mGraph.Position(limb.parent)).norm();
+    for (size_t k = 0; k + 1 < limb.path.size(); ++k)
+    {
+        const int joint = limb.path[k];
+        if (k > 0)
+            along += (mGraph.Position(joint) - mGraph.Position(limb.path[k - 1])).norm();
+        for (int child : mGraph.Children(joint))
+        {
+            if (child == limb.path[k + 1])
+                continue;
+            const double rerouted = along + (mGraph.Position(child) - mGraph.Position(joint)).norm() +
+                                    mGraph.ChainLength(child);
+            const double miss = std::abs(std::log(std::max(rerouted, 1e-12) / length));
+            if (miss >= bestMiss)
+                continue;
+            best.path.assign(limb.path.begin(), limb.path.begin() + ptrdiff_t(k) + 1);
+            for (int bone : mGraph.MainPath(child, kPathLimit - int(k) - 1))
+                best.path.push_back(bone);
+            best.end = mGraph.End(best.path.back());
+            best.length = rerouted;
+            bestMiss = miss;
+        }
+    }
+    return best;
+}
+
+bool TrunkSearch::EndsInFingers(const Limb& limb) const
+{
+    for (size_t k = 2; k < limb.path.size(); ++k)
+    {
+        int fingers = 0;
+        for (int child : mGraph.Children(limb.path[k]))
+        {
+            const bool somewhere = !mGraph.Children(child).empty() || mGraph.HasTip(child);
+            fingers += somewhere && !mNames.IsEndMarker(child) && !mNames.IsAccessory(child) ? 1 : 0;
+        }
+        if (fingers >= 2)
+            return true;
+    }
+    return false;
+}
+
 double TrunkSearch::NameFit(const Limb& limb, std::initializer_list<Role> roles) const
 {
     double sum = 0.0;
@@ -147,7 +235,9 @@ double TrunkSearch::NameFit(const Limb& limb, std::initializer_list<Role> roles)
             continue;
         const NameReading& reading = mNames[bone];
         const float accessory = reading.Accessory();
-        sum += reading.Support(roles) - (accessory >= 0.8f ? 0.8 * accessory : 0.0);
+        // Words that only lean toward a helper ("ORG", "FK") count against the limb too: a rig's copies and
+        // controls of a limb stand where the limb does.
+        sum += reading.Support(roles) - (accessory >= 0.5f ? 0.8 * accessory : 0.0);
         ++counted;
     }
     return counted > 0 ? sum / counted : 0.0;
@@ -219,6 +309,8 @@ Body TrunkSearch::Assemble(const Pair& legs, const Pair& arms) const
     const double names = 0.5 * (NameFit(legs.a, kLegRoles) + NameFit(legs.b, kLegRoles)) +
                          0.5 * (NameFit(arms.a, kArmRoles) + NameFit(arms.b, kArmRoles));
     const double skin = 0.25 * (SkinFit(legs.a) + SkinFit(legs.b) + SkinFit(arms.a) + SkinFit(arms.b));
+    // Hands split into fingers; a cape or a pair of wings hanging from the chest does not.
+    const double fingers = 0.5 * ((EndsInFingers(arms.a) ? 1.0 : 0.0) + (EndsInFingers(arms.b) ? 1.0 : 0.0));
     bool headAbove = false;
     for (int child : mGraph.Children(armParent))
     {
@@ -229,7 +321,7 @@ Body TrunkSearch::Assemble(const Pair& legs, const Pair& arms) const
     // The feet reach forward to the toes; the spine and the legs together stand straighter.
     body.up = SnappedToAxis((spine / spineLength + up).normalized());
     body.score = 2.0 * (legs.likeness + arms.likeness) + 2.0 * upright - std::abs(std::log(ratio / 0.8)) +
-                 1.5 * names + 0.5 * skin + (headAbove ? 0.5 : 0.0);
+                 1.5 * names + 1.5 * skin + (headAbove ? 0.5 : 0.0) + fingers;
     return body;
 }
 

@@ -30,6 +30,15 @@ private:
     std::vector<Pair> FindPairs() const;
     std::vector<Limb> Branches(int parent) const;
     double Likeness(const Limb& a, const Limb& b) const;
+    // How alike two limbs are whatever their pose: bones of the same lengths in the same order, starting at
+    // mirrored places.
+    double LengthLikeness(const Limb& a, const Limb& b) const;
+    // The limb led along another branch where its path splits, the one that brings its length nearest `length`:
+    // a prop held in one hand leads that arm's longest chain away from the fingers. The limb itself when no
+    // other branch comes nearer.
+    Limb Rerouted(const Limb& limb, double length) const;
+    // Some joint past the limb's first two splits into two or more branches that go on, as a hand into fingers.
+    bool EndsInFingers(const Limb& limb) const;
     // A trunk with these legs and arms, or a negative score when they make no humanoid.
     Body Assemble(const Pair& legs, const Pair& arms) const;
     double NameFit(const Limb& limb, std::initializer_list<Role> roles) const;

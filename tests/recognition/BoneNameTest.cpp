@@ -13,16 +13,18 @@ TEST(BoneNameTest, SidesInEveryUsualForm)
                                  "thigh_l",        "thigh.L",          "l-thigh",          "lThigh",
                                  "LThigh",         "lshldr",           "hidariude",        "左腕",
                                  "DEF-upper_arm.L.001", "J_Bip_L_UpperArm", "CC_Base_L_Upperarm", "upperarm_l",
-                                 "mixamorig:LeftHandIndex1", "lefthand", "Character1_LeftUpLeg_12"};
+                                 "mixamorig:LeftHandIndex1", "lefthand", "Character1_LeftUpLeg_12", "LUArm",
+                                 "Actor1_LFArm"};
     for (const char* name : lefts)
         EXPECT_EQ(BoneName::Read(QString::fromUtf8(name)).side, Side::Left) << name;
     const char* const rights[] = {"RightArm", "arm_right", "R_Thigh", "Bip01 R Thigh", "thigh.R", "thigh_r",
-                                  "r-thigh", "rThigh",    "rshldr",  "migiude",       "右ひじ",  "CC_Base_R_Hand"};
+                                  "r-thigh", "rThigh",    "rshldr",  "migiude",       "右ひじ",  "CC_Base_R_Hand",
+                                  "RUArm"};
     for (const char* name : rights)
         EXPECT_EQ(BoneName::Read(QString::fromUtf8(name)).side, Side::Right) << name;
     // No side: words that only start with l or r, single letters inside words, and names with both sides.
     const char* const neither[] = {"Spine1", "Hips", "Bone.012", "Joint23", "lower_back", "Root", "ring_01",
-                                   "Leg", "LeftRightArm", "lid"};
+                                   "Leg", "LeftRightArm", "lid", "rue", "lf"};
     for (const char* name : neither)
         EXPECT_EQ(BoneName::Read(QString::fromUtf8(name)).side, Side::None) << name;
 }
@@ -58,7 +60,8 @@ TEST(BoneNameTest, RoleWordsInEnglishAndRomanisedNames)
         {"upperarm_twist_01_l", Role::Twist},     {"LeftToe_End", Role::End},         {"HeadTop_End", Role::End},
         {"ik_foot_l", Role::Helper},              {"J_Sec_Hair1_01", Role::Hair},     {"jaw", Role::Face},
         {"weapon_r", Role::Prop},                 {"tail_03", Role::Tail},            {"Skirt_F_01", Role::Cloth},
-        {"Armature", Role::Root},                 {"DEF-thigh.L", Role::Thigh},       {"lShin", Role::Shin}};
+        {"Armature", Role::Root},                 {"DEF-thigh.L", Role::Thigh},       {"lShin", Role::Shin},
+        {"LUArm", Role::UpperArm},                {"RFArm", Role::ForeArm},           {"Eyebrows", Role::Face}};
     for (const auto& c : cases)
         EXPECT_EQ(BoneName::Read(QString::fromUtf8(c.name)).Strongest(), c.role) << c.name;
     // "Leg" alone could be either; the reading leans to the shin, as in "LeftUpLeg" / "LeftLeg".
@@ -72,7 +75,7 @@ TEST(BoneNameTest, RoleWordsInEnglishAndRomanisedNames)
     EXPECT_EQ(BoneName::Read("Bone.012").Strongest(), Role::Count);
 }
 
-TEST(BoneNameTest, JapaneseNamesWithFullWidthDigitsAndHelperMarks)
+TEST(BoneNameTest, JapaneseAndChineseNamesWithFullWidthDigitsAndHelperMarks)
 {
     const struct
     {
@@ -90,7 +93,14 @@ TEST(BoneNameTest, JapaneseNamesWithFullWidthDigitsAndHelperMarks)
                  {"左足D", Role::Helper, Side::Left},     {"右肩P", Role::Helper, Side::Right},
                  {"左肩C", Role::Helper, Side::Left},     {"左足先EX", Role::Helper, Side::Left},
                  {"左足ＩＫ", Role::Helper, Side::Left},  {"左腕捩", Role::Twist, Side::Left},
-                 {"両目", Role::Face, Side::None},        {"腰キャンセル左", Role::Helper, Side::Left}};
+                 {"両目", Role::Face, Side::None},        {"腰キャンセル左", Role::Helper, Side::Left},
+                 // Chinese names of the same bones.
+                 {"骨盆", Role::Hips, Side::None},        {"脊椎2", Role::Spine, Side::None},
+                 {"头部", Role::Head, Side::None},        {"左锁骨", Role::Clavicle, Side::Left},
+                 {"左上臂", Role::UpperArm, Side::Left},  {"右前臂", Role::ForeArm, Side::Right},
+                 {"左手腕", Role::Hand, Side::Left},      {"右大腿", Role::Thigh, Side::Right},
+                 {"左小腿", Role::Shin, Side::Left},      {"右脚踝", Role::Foot, Side::Right},
+                 {"左拇指1", Role::Thumb, Side::Left},    {"右无名指2", Role::Ring, Side::Right}};
     for (const auto& c : cases)
     {
         const NameReading reading = BoneName::Read(QString::fromUtf8(c.name));

@@ -76,6 +76,23 @@ inline QHash<QString, V> Body(double drop, double scale = 1.0)
     return j;
 }
 
+inline V Shift(const V& v, double dx, double dy, double dz)
+{
+    return {v[0] + dx, v[1] + dy, v[2] + dz};
+}
+
+// The point a fraction `t` of the way from a to b.
+inline V Lerp(const V& a, const V& b, double t)
+{
+    return {a[0] + t * (b[0] - a[0]), a[1] + t * (b[1] - a[1]), a[2] + t * (b[2] - a[2])};
+}
+
+// A point given for the left side, on the side named by its letter.
+inline V OnSide(const QString& side, const V& left)
+{
+    return {side == "L" ? left[0] : -left[0], left[1], left[2]};
+}
+
 inline V ZUpCentimetres(const V& v)
 {
     return {100.0 * v[0], -100.0 * v[2], 100.0 * v[1]};
@@ -129,18 +146,35 @@ public:
         return Add(name, parent, At(joint), node, optional);
     }
 
-    // A chain of digit joints f<digit>_<k><side> for k in [from, to), named by `name(i)`, each a node.
+    // A chain of digit joints f<digit>_<k><side> for k in [from, to), named by `name(i)`, each a node unless
+    // `mapped` is false.
     QString Digit(const QString& parent, const QString& side, int digit, int from, int to,
-                  const std::function<QString(int)>& name, bool feet = false)
+                  const std::function<QString(int)>& name, bool feet = false, bool mapped = true)
     {
         QString at = parent;
         for (int k = from; k < to; ++k)
         {
             const int i = k - from;
-            const int node = feet ? (side == "L" ? 98 : 122) + 4 * digit + i : Finger(side, digit, i);
+            const int node = !mapped ? -1 : feet ? (side == "L" ? 98 : 122) + 4 * digit + i : Finger(side, digit, i);
             at = Add(name(i), at, At(QStringLiteral("f%1_%2%3").arg(digit).arg(k).arg(side)), node);
         }
         return at;
+    }
+
+    // Where a bone ends without a bone of its own (a BVH end site).
+    void Tip(const QString& bone, const V& position)
+    {
+        SkeletonRecognizer::Bone& at = mRig.bones[size_t(mIndex.value(bone))];
+        at.hasTip = true;
+        at.tip = mTransform ? mTransform(position) : position;
+    }
+
+    // The bones `deforms` names skin a mesh; every other one skins none.
+    void Skin(const std::function<bool(const QString&)>& deforms)
+    {
+        for (SkeletonRecognizer::Bone& bone : mRig.bones)
+            bone.skinning = deforms(bone.name) ? SkeletonRecognizer::Skinning::Skins
+                                               : SkeletonRecognizer::Skinning::DoesNotSkin;
     }
 
     TruthRig Done() const { return mRig; }

@@ -129,6 +129,13 @@ TruthRig Mmd()
         r.Add(jp + "腕捩", jp + "腕", r.At("uarmMid" + side), -1, true);
         r.Add(jp + "ひじ", jp + "腕捩", r.At("farm" + side), N(w + "ForeArm"));
         r.Add(jp + "手捩", jp + "ひじ", r.At("farmMid" + side), -1, true);
+        // Twist helpers along both twist bones, leaves of their own.
+        for (int k = 1; k <= 3; ++k)
+        {
+            const QString n = QString::number(k);
+            r.Add(jp + "腕捩" + n, jp + "腕捩", Lerp(r.At("uarm" + side), r.At("farm" + side), 0.25 * k), -1, true);
+            r.Add(jp + "手捩" + n, jp + "手捩", Lerp(r.At("farm" + side), r.At("hand" + side), 0.25 * k), -1, true);
+        }
         r.Add(jp + "手首", jp + "手捩", r.At("hand" + side), N(w + "Hand"));
         r.Add(jp + "ダミー", jp + "手首", r.At("hand" + side));
         for (int f = 0; f < 5; ++f)
@@ -216,12 +223,26 @@ TruthRig OtherSeparators();
 TruthRig NamespacedGeneric();
 TruthRig BodyModel();
 TruthRig CaptureSuit();
+TruthRig NewerMannequin();
+TruthRig WholeRiggingArmature();
+TruthRig BlockAvatar();
+TruthRig EngineBiped();
+TruthRig AssetPack();
+TruthRig ScriptRig();
+TruthRig CaptureLibrary();
+TruthRig MarkerStudio();
+TruthRig ExtendedAvatar();
+TruthRig FigureCarpalPairs();
+TruthRig Cartoon(bool mittens);
+TruthRig PlatformAvatar();
 
 std::vector<TruthRig> All()
 {
     return {Mannequin(),          Biped(" "),        Biped("_"),        Mmd(),          DeformRig(),
             CharacterCreator(),   FigureTool(),      JointNames(),      CaptureDataset(), Avatar(false),
             Avatar(true),         OtherSeparators(), NamespacedGeneric(), BodyModel(),
-            CaptureSuit()};
+            CaptureSuit(),        NewerMannequin(),  WholeRiggingArmature(), BlockAvatar(), EngineBiped(),
+            AssetPack(),          ScriptRig(),       CaptureLibrary(),  MarkerStudio(),  ExtendedAvatar(),
+            FigureCarpalPairs(),  Cartoon(false),    Cartoon(true),     PlatformAvatar()};
 }
 } // namespace conventions

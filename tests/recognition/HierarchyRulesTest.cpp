@@ -33,6 +33,27 @@ struct Options
     bool head = true;
     int fingers = 5; // with the thumb; 0 for none
     double armDrop = 0.0; // degrees below the horizontal
+    enum Palm
+    {
+        NoPalm,
+        PalmBones,    // each finger but the thumb on a palm bone starting near the wrist
+        OneFingerBase // a one-joint thumb, and a bone at the wrist carrying a one-joint finger that stands for all
+                      // four, as capture rigs have
+    };
+    Palm palm = NoPalm;
+    double wrist = 0.55;            // how far out from the shoulder the wrist is: 0.48 makes a short forearm
+    bool chestAtClavicles = false;  // the chest that holds the clavicles a hair below them
+    bool featureLeaves = false;     // the head ends in its eyes alone, no end bone or jaw
+    bool skirt = false;             // eight mirrored chains round the hips, shorter than the legs
+    bool unevenKnee = false;        // the left knee 3 cm further out than the right
+    bool toesFromFoot = false;      // five toes hang from the foot itself, no ball of the foot between
+    enum Copy
+    {
+        NoCopy,
+        FkCopy,        // an FK control copy of each leg, named so
+        UnskinnedCopy  // a copy that skins nothing while the legs do, and mirrors better than they do
+    };
+    Copy legCopy = NoCopy;          // hanging beside the legs at their joints, before them in bone order
 };
 
 // A humanoid of 1.8 m standing Y up, facing +Z, and the node each body bone must get.
@@ -84,23 +105,34 @@ public:
                                : Add(options.hips == Options::BesideSpine ? "UpperBody" : "Spine", spineParent, 0,
                                      1.1, 0, 8);
         const int spine1 = Add("Spine1", spine0, 0, 1.22, 0, 23);
-        const int chest = Add("Chest", spine1, 0, 1.33, 0, 24);
+        const int chest = Add("Chest", spine1, 0, options.chestAtClavicles ? 1.44 : 1.33, 0, 24);
         int top = chest;
         if (options.neck)
             top = Add("Neck", chest, 0, 1.5, 0, 20);
         if (options.head)
         {
             const int head = Add("Head", top, 0, 1.6, 0.01, 15);
-            Add("HeadTop_End", head, 0, 1.8, 0.02);
+            if (!options.featureLeaves)
+                Add("HeadTop_End", head, 0, 1.8, 0.02);
             Add("Eye_L", head, 0.03, 1.68, 0.08);
             Add("Eye_R", head, -0.03, 1.68, 0.08);
-            Add("Jaw", head, 0, 1.58, 0.05);
+            if (!options.featureLeaves)
+                Add("Jaw", head, 0, 1.58, 0.05);
         }
         for (int side = 0; side < 2; ++side)
         {
+            if (options.legCopy != Options::NoCopy)
+                Leg(side, legParent, options, options.legCopy == Options::FkCopy ? "_FK" : "Copy");
             Leg(side, legParent, options);
             Arm(side, chest, options);
         }
+        if (options.skirt)
+            Skirt(legParent);
+
+        if (options.legCopy == Options::UnskinnedCopy)
+            for (SkeletonRecognizer::Bone& bone : bones)
+                bone.skinning = bone.name.contains("Copy") ? SkeletonRecognizer::Skinning::DoesNotSkin
+                                                           : SkeletonRecognizer::Skinning::Skins;
         if (options.ikTargets)
         {
             Add("ik_foot_l", root, 0.09, 0.09, -0.02);
@@ -111,20 +143,44 @@ public:
     }
 
 private:
-    void Leg(int side, int parent, const Options& options)
+    // Eight chains round the hips, mirrored, down to the knees.
+    void Skirt(int parent)
+    {
+        for (int k = 0; k < 8; ++k)
+        {
+            const double angle = (k + 0.5) * 3.14159265 / 4.0;
+            int at = parent;
+            for (int j = 1; j <= 3; ++j)
+                at = Add(QStringLiteral("Skirt%1_%2").arg(k).arg(j), at, (0.12 + 0.02 * j) * std::cos(angle),
+                         1.0 - 0.13 * j, (0.12 + 0.02 * j) * std::sin(angle));
+        }
+    }
+
+    // The leg's joints, each a node; a copy (`copy` in every name) maps to none and mirrors the other side exactly.
+    void Leg(int side, int parent, const Options& options, const QString& copy = QString())
     {
         const double s = side == 0 ? 1.0 : -1.0;
-        const QString p = side == 0 ? "L" : "R";
-        const int thigh = Add("Thigh_" + p, parent, s * 0.09, 0.95, 0, side == 0 ? 2 : 5);
+        const QString p = copy + "_" + (side == 0 ? "L" : "R");
+        const auto node = [&copy](int id) { return copy.isEmpty() ? id : -1; };
+        const double kneeOut = options.unevenKnee && side == 0 && copy.isEmpty() ? 0.03 : 0.0;
+        const int thigh = Add("Thigh" + p, parent, s * 0.09, 0.95, 0, node(side == 0 ? 2 : 5));
         int kneeParent = thigh;
         if (options.inlineTwists)
-            kneeParent = Add("ThighTwist_" + p, thigh, s * 0.09, 0.735, 0.005, side == 0 ? 41 : 43);
+            kneeParent = Add("ThighTwist" + p, thigh, s * 0.09, 0.735, 0.005, node(side == 0 ? 41 : 43));
         if (options.leafTwists)
-            Add("ThighTwist_" + p, thigh, s * 0.09, 0.8, 0.003, side == 0 ? 172 : 174);
-        const int knee = Add("Calf_" + p, kneeParent, s * 0.09, 0.52, 0.01, side == 0 ? 3 : 6);
-        const int foot = Add("Foot_" + p, options.detachedFeet ? 0 : knee, s * 0.09, 0.09, -0.02, side == 0 ? 4 : 7);
-        const int toe = Add("Toe_" + p, foot, s * 0.09, 0.0, 0.09, side == 0 ? 16 : 17);
-        Add("Toe_End_" + p, toe, s * 0.09, 0.0, 0.17);
+            Add("ThighTwist" + p, thigh, s * 0.09, 0.8, 0.003, node(side == 0 ? 172 : 174));
+        const int knee = Add("Calf" + p, kneeParent, s * (0.09 + kneeOut), 0.52, 0.01, node(side == 0 ? 3 : 6));
+        const int foot =
+            Add("Foot" + p, options.detachedFeet ? 0 : knee, s * 0.09, 0.09, -0.02, node(side == 0 ? 4 : 7));
+        if (options.toesFromFoot)
+        {
+            for (int t = 0; t < 5; ++t)
+                Add(QStringLiteral("Toe%1").arg(t) + p, foot, s * (0.065 + 0.012 * t), 0.0, 0.11 - 0.005 * t,
+                    node((side == 0 ? 98 : 122) + 4 * t));
+            return;
+        }
+        const int toe = Add("Toe" + p, foot, s * 0.09, 0.0, 0.09, node(side == 0 ? 16 : 17));
+        Add("Toe_End" + p, toe, s * 0.09, 0.0, 0.17);
     }
 
     void Arm(int side, int parent, const Options& options)
@@ -151,7 +207,8 @@ private:
         }
         const auto e = at(0.28, 1.45, -0.01);
         const int elbow = Add("ForeArm_" + p, elbowParent, e[0], e[1], e[2], side == 0 ? 10 : 13);
-        const auto w = at(0.55, 1.45, 0);
+        const double out = options.wrist;
+        const auto w = at(out, 1.45, 0);
         const int wrist = Add("Hand_" + p, elbow, w[0], w[1], w[2], side == 0 ? 11 : 14);
         if (options.weapon && side == 1)
         {
@@ -162,18 +219,38 @@ private:
         static const double across[] = {0.035, 0.02, 0.0, -0.02, -0.04};
         static const char* const names[] = {"Thumb", "Index", "Middle", "Ring", "Pinky"};
         const int digits[] = {0, 1, 2, 4};
-        const int count = options.fingers;
+        const int count = options.palm == Options::OneFingerBase ? 2 : options.fingers;
         for (int f = 0; f < count; ++f)
         {
             const int digit = count == 4 ? digits[f] : f;
             const double inward = digit == 0 ? 0.02 : 0.08;
             int at_ = wrist;
-            for (int k = 0; k < 3; ++k)
+            if (digit > 0 && options.palm == Options::PalmBones)
             {
-                const auto j = at(0.55 + inward + 0.03 * k, 1.45 - (digit == 0 ? 0.015 * (k + 1) : 0.0),
+                // Starting a little out from the wrist, toward its finger, and running to the knuckle.
+                const auto base = at(out + 0.03, 1.45, 0.6 * across[digit]);
+                at_ = Add(QStringLiteral("Palm%1_%2").arg(digit).arg(p), wrist, base[0], base[1], base[2],
+                          (side == 0 ? 146 : 152) + digit);
+            }
+            else if (digit > 0 && options.palm == Options::OneFingerBase)
+            {
+                at_ = Add("FingerBase_" + p, wrist, w[0], w[1], w[2], side == 0 ? 21 : 22);
+            }
+            const int phalanges = options.palm == Options::OneFingerBase ? 1 : 3;
+            for (int k = 0; k < phalanges; ++k)
+            {
+                const auto j = at(out + inward + 0.03 * k, 1.45 - (digit == 0 ? 0.015 * (k + 1) : 0.0),
                                   across[digit] + (digit == 0 ? 0.02 * k : 0.0));
                 const int node = (side == 0 ? 50 : 74) + 4 * digit + k;
                 at_ = Add(QStringLiteral("%1%2_%3").arg(names[digit]).arg(k + 1).arg(p), at_, j[0], j[1], j[2], node);
+            }
+            // The one-joint fingers of capture files end in end sites.
+            if (phalanges == 1)
+            {
+                const double thumb = digit == 0 ? 0.03 : 0.0;
+                const auto tip = at(out + inward + 0.05, 1.45 - thumb, across[digit] + thumb);
+                bones.back().hasTip = true;
+                bones.back().tip = {tip[0], tip[1], tip[2]};
             }
         }
     }
@@ -190,7 +267,7 @@ protected:
         for (const SkeletonRecognizer::NodeMatch& match : result.characters[0].nodes)
             got.insert(built.bones[size_t(match.bone)].name, match.nodeId);
         for (auto it = built.expected.cbegin(); it != built.expected.cend(); ++it)
-            EXPECT_EQ(BoneCatalogue::NodeName(got.value(it.key(), 0)), BoneCatalogue::NodeName(it.value()))
+            EXPECT_STREQ(BoneCatalogue::NodeName(got.value(it.key(), 0)), BoneCatalogue::NodeName(it.value()))
                 << what.toStdString() << ": " << it.key().toStdString();
         for (auto it = got.cbegin(); it != got.cend(); ++it)
             EXPECT_TRUE(built.expected.contains(it.key()))
@@ -207,6 +284,20 @@ protected:
         Builder built;
         built.Humanoid(options);
         return built;
+    }
+
+    // The same skeleton with names that say nothing ("Bone.007"), so that only its shape speaks.
+    static Builder Meaningless(const Builder& built)
+    {
+        Builder renamed = built;
+        renamed.expected.clear();
+        for (size_t i = 0; i < built.bones.size(); ++i)
+        {
+            renamed.bones[i].name = QStringLiteral("Bone.%1").arg(i, 3, 10, QLatin1Char('0'));
+            if (built.expected.contains(built.bones[i].name))
+                renamed.expected.insert(renamed.bones[i].name, built.expected.value(built.bones[i].name));
+        }
+        return renamed;
     }
 
     static SkeletonRecognizer::LeftOut ReasonFor(const Builder& built, const SkeletonRecognizer::Result& result,
@@ -291,6 +382,70 @@ TEST_F(HierarchyRulesTest, NecksAndHeads)
     Options noHead;
     noHead.head = false;
     Check(Made(noHead), Recognize(Made(noHead)), "no head");
+}
+
+TEST_F(HierarchyRulesTest, TheNeckStartsAboveTheClaviclesAndTheHeadEndsInItsFeatures)
+{
+    // The chest bone that holds the clavicles is spine even a hair below them; a head whose only children are its
+    // eyes is the head, not the eyes. The names say nothing.
+    Options chest;
+    chest.chestAtClavicles = true;
+    Check(Meaningless(Made(chest)), Recognize(Meaningless(Made(chest))), "chest at the clavicles");
+    Options eyes;
+    eyes.featureLeaves = true;
+    Check(Meaningless(Made(eyes)), Recognize(Meaningless(Made(eyes))), "a head ending in its eyes");
+}
+
+TEST_F(HierarchyRulesTest, PalmBonesAndTheBaseOfTheFingers)
+{
+    // Palm bones that start near the wrist are metacarpals; a bone at the wrist before the one finger that stands
+    // for all four is the base of the fingers, also on an arm whose forearm is short for its upper arm. The names
+    // say nothing.
+    Options palms;
+    palms.palm = Options::PalmBones;
+    Check(Meaningless(Made(palms)), Recognize(Meaningless(Made(palms))), "palm bones");
+    Options base;
+    base.palm = Options::OneFingerBase;
+    for (double wrist : {0.55, 0.45})
+    {
+        base.wrist = wrist;
+        const Builder built = Meaningless(Made(base));
+        Check(built, Recognize(built), QStringLiteral("finger base, wrist %1").arg(wrist));
+    }
+}
+
+TEST_F(HierarchyRulesTest, TheLegsWinOverWhatMirrorsThemBetter)
+{
+    // A skirt's chains mirror each other better than legs placed by hand; a control copy of each leg named so, or
+    // one that skins nothing, stands at the leg's joints, before it in bone order.
+    Options skirt;
+    skirt.skirt = true;
+    skirt.unevenKnee = true;
+    Check(Meaningless(Made(skirt)), Recognize(Meaningless(Made(skirt))), "skirt");
+    Options fk;
+    fk.legCopy = Options::FkCopy;
+    Check(Made(fk), Recognize(Made(fk)), "FK copies of the legs");
+    Options unskinned;
+    unskinned.legCopy = Options::UnskinnedCopy;
+    unskinned.unevenKnee = true;
+    Check(Meaningless(Made(unskinned)), Recognize(Meaningless(Made(unskinned))), "copies that skin nothing");
+}
+
+TEST_F(HierarchyRulesTest, ToesHangingFromTheFootLeaveItNoBallOfTheFoot)
+{
+    Options toes;
+    toes.toesFromFoot = true;
+    Check(Made(toes), Recognize(Made(toes)), "toes from the foot");
+    Check(Meaningless(Made(toes)), Recognize(Meaningless(Made(toes))), "toes from the foot, names that say nothing");
+}
+
+TEST_F(HierarchyRulesTest, APropInOneHandLeavesTheArmAnArm)
+{
+    // A sword longer than the arm leads the right arm's longest chain away from its fingers; with names that say
+    // nothing only the shape tells the arm's path from the sword's.
+    Options sword;
+    sword.weapon = true;
+    Check(Meaningless(Made(sword)), Recognize(Meaningless(Made(sword))), "a sword in the right hand");
 }
 
 TEST_F(HierarchyRulesTest, PosesFromTheArmsAngle)
@@ -402,6 +557,10 @@ TEST_F(HierarchyRulesTest, SkeletonsThatAreNoHumanoidAreRefused)
     EXPECT_TRUE(recognizer.Recognize(Quadruped()).characters.empty());
     for (unsigned seed : {1u, 7u, 42u, 1234u})
         EXPECT_TRUE(recognizer.Recognize(RandomTree(seed, 120)).characters.empty()) << seed;
+    // Large random trees hold branches that mirror each other a little by chance, and chains of every shape: no
+    // pair that mirrors this poorly is a pair of limbs.
+    for (unsigned seed = 1; seed <= 100; ++seed)
+        EXPECT_TRUE(recognizer.Recognize(RandomTree(seed, 400)).characters.empty()) << seed;
     const SkeletonRecognizer::Result nothing = recognizer.Recognize(Chain(5));
     EXPECT_EQ(nothing.outside.size(), 5u);
 }

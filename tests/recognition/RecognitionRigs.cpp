@@ -1,5 +1,10 @@
 #include "RecognitionRigs.h"
 
+#include <algorithm>
+#include <cmath>
+
+#include <Eigen/Geometry>
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -111,6 +116,104 @@ TruthRig FacingBack(const TruthRig& rig)
 {
     return Transformed(rig, [](const SkeletonRecognizer::Vector& v) { return SkeletonRecognizer::Vector {-v[0], v[1], -v[2]}; },
                        QStringLiteral(" (facing -Z)"));
+}
+
+TruthRig FacingSide(const TruthRig& rig)
+{
+    using Vector = SkeletonRecognizer::Vector;
+    return Transformed(rig, [](const Vector& v) { return Vector {v[2], v[1], -v[0]}; }, QStringLiteral(" (facing +X)"));
+}
+
+TruthRig Jittered(const TruthRig& rig, double fraction, unsigned seed)
+{
+    TruthRig uneven = rig;
+    uneven.id = rig.id + QStringLiteral(" (uneven)");
+    unsigned state = seed;
+    const auto next = [&state] {
+        state = state * 1664525u + 1013904223u;
+        return double((state >> 8) % 2001) / 1000.0 - 1.0;
+    };
+    for (size_t i = 0; i < rig.bones.size(); ++i)
+    {
+        const SkeletonRecognizer::Bone& bone = rig.bones[i];
+        if (bone.parent < 0)
+            continue;
+        const SkeletonRecognizer::Vector& from = rig.bones[size_t(bone.parent)].position;
+        const double length =
+            std::hypot(bone.position[0] - from[0], bone.position[1] - from[1], bone.position[2] - from[2]);
+        for (int axis = 0; axis < 3; ++axis)
+        {
+            const double offset = fraction * length * next();
+            uneven.bones[i].position[size_t(axis)] += offset;
+            uneven.bones[i].tip[size_t(axis)] += offset;
+        }
+    }
+    return uneven;
+}
+
+int BoneOf(const TruthRig& rig, const char* node)
+{
+    const int id = BoneCatalogue::NodeId(node);
+    for (size_t i = 0; i < rig.bones.size(); ++i)
+        if (rig.truth.value(rig.bones[i].name, -1) == id)
+            return int(i);
+    return -1;
+}
+
+Eigen::Vector3d Joint(const TruthRig& rig, int bone)
+{
+    const SkeletonRecognizer::Vector& v = rig.bones[size_t(bone)].position;
+    return {v[0], v[1], v[2]};
+}
+
+Axes BodyAxes(const TruthRig& rig)
+{
+    Axes axes;
+    const Eigen::Vector3d up = Joint(rig, BoneOf(rig, "Head")) - Joint(rig, BoneOf(rig, "Hips"));
+    axes.size = up.norm();
+    axes.up = up.normalized();
+    axes.left = (Joint(rig, BoneOf(rig, "LeftUpLeg")) - Joint(rig, BoneOf(rig, "RightUpLeg"))).normalized();
+    axes.facing = axes.left.cross(axes.up).normalized();
+    return axes;
+}
+
+TruthRig Posed(const TruthRig& rig, const Pose& pose)
+{
+    TruthRig posed = rig;
+    posed.id += QStringLiteral(" (posed)");
+    const Axes axes = BodyAxes(rig);
+    const Eigen::Vector3d& up = axes.up;
+    const Eigen::Vector3d& left = axes.left;
+    const Eigen::Vector3d& facing = axes.facing;
+    const auto turn = [&](const char* node, const Eigen::Vector3d& axis, double degrees) {
+        const int joint = BoneOf(rig, node);
+        const Eigen::Matrix3d rotation = Eigen::AngleAxisd(degrees / 57.29578, axis).toRotationMatrix();
+        const Eigen::Vector3d pivot = Joint(posed, joint);
+        const auto turned = [&](SkeletonRecognizer::Vector& v) {
+            const Eigen::Vector3d p = pivot + rotation * (Eigen::Vector3d(v[0], v[1], v[2]) - pivot);
+            v = {p.x(), p.y(), p.z()};
+        };
+        for (size_t i = 0; i < posed.bones.size(); ++i)
+            for (int above = int(i); above >= 0; above = posed.bones[size_t(above)].parent)
+                if (above == joint)
+                {
+                    turned(posed.bones[i].position);
+                    turned(posed.bones[i].tip);
+                    break;
+                }
+    };
+    // From the angle each arm has, shoulder to wrist, to the pose's.
+    const auto below = [&](const char* shoulder, const char* wrist) {
+        const Eigen::Vector3d arm = Joint(rig, BoneOf(rig, wrist)) - Joint(rig, BoneOf(rig, shoulder));
+        return -std::asin(std::clamp(arm.normalized().dot(up), -1.0, 1.0)) * 57.29578;
+    };
+    turn("LeftArm", facing, below("LeftArm", "LeftHand") - pose.leftArm);
+    turn("RightArm", facing, pose.rightArm - below("RightArm", "RightHand"));
+    turn("LeftLeg", left, pose.leftKnee);
+    turn("LeftFoot", left, -pose.leftKnee);
+    turn("RightLeg", left, pose.rightKnee);
+    turn("RightFoot", left, -pose.rightKnee);
+    return posed;
 }
 
 TruthRig Scaled(const TruthRig& rig, double factor)

@@ -530,7 +530,9 @@ TEST_F(HostChurnTest, TenThousandRandomOperationsKeepEveryInvariant)
         EXPECT_GE(tallies[op].whileLocked, kKinds[op].minimumWhileLocked) << kKinds[op].name;
     }
     EXPECT_GE(mirrored, 200);
-    EXPECT_GE(refusedLocks, 300);
+    // Enough refusals to try that path well; how many depends on how often the churned skeleton stays recognizable
+    // (with a few bones deleted it now mostly does, and auto match leaves fewer errors to refuse a lock for).
+    EXPECT_GE(refusedLocks, 250);
 }
 
 } // namespace

@@ -25,6 +25,7 @@
 #include <assimp/scene.h>
 
 #include "BinaryFbx.h"
+#include "SkinnedMesh.h"
 
 namespace
 {
@@ -88,39 +89,15 @@ void CollectJoints(const aiNode& node, const aiMatrix4x4& parent, Joints& out)
         CollectJoints(*node.mChildren[i], global, out);
 }
 
-// One vertex at each joint, weighted fully to it, in triangles of consecutive joints.
-aiMesh* SkinnedMesh(const aiNode& root)
+// One vertex at each joint of the skeleton, weighted fully to it.
+aiMesh* SkeletonMesh(const aiNode& root)
 {
     Joints joints;
     CollectJoints(root, aiMatrix4x4(), joints);
-    const unsigned count = static_cast<unsigned>(joints.size());
-    auto* mesh = new aiMesh;
-    mesh->mName = "Body";
-    mesh->mPrimitiveTypes = aiPrimitiveType_TRIANGLE;
-    mesh->mNumVertices = count;
-    mesh->mVertices = new aiVector3D[count];
-    mesh->mNumBones = count;
-    mesh->mBones = new aiBone*[count];
-    for (unsigned i = 0; i < count; ++i)
-    {
-        const aiMatrix4x4& global = joints[i].second;
-        mesh->mVertices[i] = aiVector3D(global.a4, global.b4, global.c4);
-        auto* bone = new aiBone;
-        bone->mName = joints[i].first->mName;
-        bone->mOffsetMatrix = aiMatrix4x4(global).Inverse();
-        bone->mNumWeights = 1;
-        bone->mWeights = new aiVertexWeight[1];
-        bone->mWeights[0] = aiVertexWeight(i, 1.0f);
-        mesh->mBones[i] = bone;
-    }
-    mesh->mNumFaces = count / 3;
-    mesh->mFaces = new aiFace[mesh->mNumFaces];
-    for (unsigned f = 0; f < mesh->mNumFaces; ++f)
-    {
-        mesh->mFaces[f].mNumIndices = 3;
-        mesh->mFaces[f].mIndices = new unsigned[3] {3 * f, 3 * f + 1, 3 * f + 2};
-    }
-    return mesh;
+    std::vector<MeshJoint> named;
+    for (const auto& [node, global] : joints)
+        named.emplace_back(node->mName.C_Str(), global);
+    return SkinnedMesh("Body", named);
 }
 
 // The skeleton and a mesh node side by side under a new root.
@@ -135,7 +112,7 @@ void AddSkinnedMesh(aiScene& scene)
     root->addChildren(1, &body);
     scene.mRootNode = root;
     scene.mNumMeshes = 1;
-    scene.mMeshes = new aiMesh*[1] {SkinnedMesh(*skeleton)};
+    scene.mMeshes = new aiMesh*[1] {SkeletonMesh(*skeleton)};
     if (scene.mNumMaterials == 0)
     {
         scene.mNumMaterials = 1;
