@@ -283,8 +283,17 @@ void CharacterTool::DoToggleMirrorMode(bool mirror)
 
 void CharacterTool::ClearCharacterization()
 {
-    if (mModel != nullptr)
-        mModel->ClearAll();
+    if (mModel == nullptr)
+        return;
+    // The model clears whatever it is asked to; the user's command respects the lock as the views do.
+    if (mModel->IsLocked())
+    {
+        ShowError(tr("Characterization Locked"),
+                  tr("The current characterization is locked.\nYou must unlock it before you can edit its bone "
+                     "mappings."));
+        return;
+    }
+    mModel->ClearAll();
 }
 
 void CharacterTool::SyncOnModel()

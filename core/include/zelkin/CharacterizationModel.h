@@ -69,15 +69,18 @@ public:
     // not told: it is for restoring what the host itself stored.
     bool ReplaceCurrentContent(const Characterization& content);
     // The same for a mapping from elsewhere (a file): the host detaches the old bones and attaches the new ones.
-    // Refused while the characterization is locked.
     bool ImportIntoCurrent(const Characterization& content);
 
-    // Assignment on the current characterization; all refused while it is locked. In mirror mode AssignBone also
+    // Assignment on the current characterization, locked or not: a locked one is only announced, not validated.
+    // Refusing the user's edits of a locked characterization is for the views. In mirror mode AssignBone also
     // gives the counterpart bone to the opposite node (AssignBones never mirrors: callers that ask the user first
     // mirror for themselves, see GetMirrorMatcher).
     bool AssignBone(int nodeId, const QString& bone);
     // One validation for the whole batch; an empty bone clears its node.
     bool AssignBones(const std::vector<Assignment>& assignments);
+    // The same on the characterization of that exact name, current or not (the host's scripting); an empty bone
+    // clears the node. False when there is no such characterization or node.
+    bool AssignCharacterizationBone(const QString& characterizationName, int nodeId, const QString& bone);
     bool ClearNode(int nodeId);
     bool ClearNodes(const std::vector<int>& nodeIds);
     QString GetAssignedBone(int nodeId) const;
@@ -176,11 +179,14 @@ private:
 
     bool IsEditable() const;
     void RemoveAt(int index);
+    // Switches without announcing it and keeps the edited part: for the host's operations that visit every
+    // characterization and then come back.
+    void MakeCurrent(int index);
     // Keeps `previous` current when it is still listed, else the first; creates one when none is left.
     void RestoreCurrent(const Characterization* previous);
     void SetLockedState(Characterization& characterization, bool locked);
     void SetMark(int nodeId, int32_t mark);
-    void Attach(int nodeId, const QString& bone);
+    void Attach(Characterization& characterization, int nodeId, const QString& bone);
     void Detach(Characterization& characterization, int nodeId, bool fromHost);
     // Validates an editable characterization; a locked one only announces the change.
     void Update();
