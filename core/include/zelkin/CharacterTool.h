@@ -132,7 +132,7 @@ private:
     int ApplyTemplate(const QString& name, int matchType, bool selectedOnly, const QString& prefix);
     // The recognized character holding the selection (else the first), after asking before nodes change bones.
     int ApplyRecognized(const SkeletonRecognizer::Result& recognized,
-                        const std::vector<SkeletonRecognizer::Bone>& skeleton, bool selectedOnly);
+                        const std::vector<SkeletonRecognizer::Bone>& skeleton);
     void ReportApplied(int mapped, bool automatic);
     bool CanExtractTemplate();
     bool SaveTemplate(const QString& name, const QString& prefix);
