@@ -74,6 +74,7 @@ CharacterizationModel::CharacterizationModel(ResourceBridge* bridge, IDCCHub* hu
 {
     // A working characterization the host has not been told about: the host's own list replaces it.
     mCharacterizations.push_back(std::make_shared<Characterization>(Characterization::DefaultName()));
+    mPlaceholder = mCharacterizations.front().get();
     mCurrent = 0;
     ReloadMirrorPairs();
     if (mHub == nullptr)
@@ -144,6 +145,11 @@ QString CharacterizationModel::NextCharacterizationName() const
     return name;
 }
 
+bool CharacterizationModel::IsCreated(const Characterization* characterization) const
+{
+    return characterization != nullptr && characterization != mPlaceholder;
+}
+
 std::shared_ptr<Characterization> CharacterizationModel::CreateCharacterization(const QString& name)
 {
     if (name.isEmpty() || IndexOf(name) >= 0)
@@ -163,6 +169,8 @@ void CharacterizationModel::RemoveAt(int index)
 {
     const std::shared_ptr<Characterization> removed = mCharacterizations[index];
     mCharacterizations.erase(mCharacterizations.begin() + index);
+    if (removed.get() == mPlaceholder)
+        mPlaceholder = nullptr;
     if (index == mCurrent)
         mCurrent = -1;
     else if (index < mCurrent)
@@ -232,6 +240,8 @@ void CharacterizationModel::SyncCharacterizationList(const QStringList& names)
     for (const QString& name : wanted)
     {
         std::shared_ptr<Characterization> characterization = FindCharacterization(name);
+        if (characterization.get() == mPlaceholder)
+            mPlaceholder = nullptr; // the host has a character of that name
         if (!characterization)
         {
             characterization = std::make_shared<Characterization>(name);

@@ -282,8 +282,9 @@ QString IDCCHub::GetCurrentCharacterNodeName() const
     const CharacterizationModel* model = Model();
     if (model == nullptr)
         return QString();
+    // A characterization the host has not created has no node of its own yet: it goes by the default name.
     const std::shared_ptr<Characterization> current = model->GetCurrentCharacterization();
-    if (current && !current->GetName().isEmpty())
+    if (current && model->IsCreated(current.get()) && !current->GetName().isEmpty())
         return current->GetName();
     return GetDefaultCharacterNodeName();
 }

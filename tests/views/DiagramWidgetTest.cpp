@@ -13,6 +13,7 @@
 
 #include <zelkin/BoneCatalogue.h>
 #include <zelkin/CharacterTool.h>
+#include <zelkin/Characterization.h>
 #include <zelkin/CharacterizationModel.h>
 
 #include "DiagramWidget.h"
@@ -40,6 +41,7 @@ protected:
         tool = std::make_unique<CharacterTool>(false, "", "", &host, &hub);
         model = tool->GetModel();
         ASSERT_NE(model, nullptr);
+        hub.UpdateCharacterList({Characterization::DefaultName()}); // the host has the character
         widget = std::make_unique<DiagramWidget>(nullptr, &pictures, &hub, model, tool.get());
         widget->resize(FigureLayout::BaseImageSize);
         widget->show();
@@ -52,10 +54,11 @@ protected:
     }
 
     // A left click in the middle of an item, as the user makes it.
-    void ClickOn(QGraphicsItem* item)
+    void ClickOn(QGraphicsItem* item) { ClickOn(*widget, item); }
+    static void ClickOn(DiagramWidget& figure, QGraphicsItem* item)
     {
-        const QPoint at = widget->mapFromScene(item->sceneBoundingRect().center());
-        QTest::mouseClick(widget->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+        const QPoint at = figure.mapFromScene(item->sceneBoundingRect().center());
+        QTest::mouseClick(figure.viewport(), Qt::LeftButton, Qt::NoModifier, at);
     }
 
     PartItem* Arrow(int view, int targetView)
@@ -215,15 +218,29 @@ TEST_F(DiagramTest, ClicksAreRefusedOnALockedOrUncreatedCharacterization)
                                "bone mappings."});
     }
     EXPECT_EQ(model->GetEditedPart(), CharacterizationModel::NoPart);
-    model->SetEditMode(false);
-    hub.setCharacterTool(nullptr); // a hub that serves no panel has only its placeholder character
+
+    // A host that has made no character yet: the panel's working characterization is the host's placeholder.
+    TestHub fresh;
+    testscenes::AddHandMadeTPose(fresh);
+    QWidget freshHost;
+    CharacterTool freshTool(false, "", "", &freshHost, &fresh);
+    freshHost.resize(400, 800);
+    freshHost.show();
+    DiagramWidget& figure = *freshTool.GetDiagramWidget();
+    EXPECT_EQ(fresh.GetCurrentCharacterNodeName(), fresh.GetDefaultCharacterNodeName());
     {
         ModalAnswerer answer(QMessageBox::Ok);
-        ClickOn(widget->GetPartItem(3));
+        ClickOn(figure, figure.GetPartItem(3));
         EXPECT_EQ(answer.titles, QStringList {"Characterization Not Created"});
+        EXPECT_EQ(answer.texts,
+                  QStringList {"You must create a new characterization before you can edit its bone mappings."});
     }
-    EXPECT_EQ(model->GetEditedPart(), CharacterizationModel::NoPart);
-    hub.setCharacterTool(tool.get());
+    EXPECT_EQ(freshTool.GetModel()->GetEditedPart(), CharacterizationModel::NoPart);
+    // Once the host has it, the same click edits the node.
+    fresh.UpdateCharacterList({Characterization::DefaultName()});
+    EXPECT_EQ(fresh.GetCurrentCharacterNodeName(), Characterization::DefaultName());
+    ClickOn(figure, figure.GetPartItem(3));
+    EXPECT_EQ(freshTool.GetModel()->GetEditedPart(), 3);
 }
 
 TEST_F(DiagramTest, TheHostsSelectionBecomesTheEditedPart)

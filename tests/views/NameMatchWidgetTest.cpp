@@ -20,6 +20,7 @@
 
 #include <zelkin/BoneCatalogue.h>
 #include <zelkin/CharacterTool.h>
+#include <zelkin/Characterization.h>
 #include <zelkin/CharacterizationModel.h>
 
 #include "CompleterWidget.h"
@@ -98,6 +99,7 @@ protected:
         tool = std::make_unique<CharacterTool>(false, "", "", &host, &hub);
         model = tool->GetModel();
         ASSERT_NE(model, nullptr);
+        hub.UpdateCharacterList({Characterization::DefaultName()}); // the host has the character
         widget = std::make_unique<NameMatchWidget>(nullptr, &hub, &pictures, model, tool.get());
         widget->resize(400, 600);
         widget->show();
@@ -416,19 +418,35 @@ TEST_F(NameMatchTest, ALockedCharacterizationOffersOnlyTheCharacterView)
 
 TEST_F(NameMatchTest, TheHostsPlaceholderCharacterOffersOnlyTheCharacterView)
 {
-    // A hub that serves no panel has only its placeholder character.
-    hub.setCharacterTool(nullptr);
-    Pick(Row(3), {"rig:LeftLeg"});
-    const QMap<QString, bool> entries = MenuEntries();
-    for (auto entry = entries.begin(); entry != entries.end(); ++entry)
-        EXPECT_EQ(entry.value(), entry.key() == "Character View") << entry.key().toStdString();
+    // A host that has made no character yet: the panel's working characterization is the host's placeholder.
+    TestHub fresh;
+    testscenes::AddHandMadeTPose(fresh);
+    QWidget freshHost;
+    CharacterTool freshTool(false, "", "", &freshHost, &fresh);
+    NameMatchWidget& names = *freshTool.GetNameMatchWidget();
+    names.GetTree()->setCurrentItem(names.GetNodeRows(3).front());
+    fresh.selection = {"rig:LeftLeg"};
+    std::unique_ptr<QMenu> menu = names.CreateContextMenu();
+    for (QAction* action : menu->actions())
+    {
+        if (!action->isSeparator())
+        {
+            EXPECT_EQ(action->isEnabled(), action->text() == "Character View") << action->text().toStdString();
+        }
+    }
 
     ModalAnswerer answer(QMessageBox::Ok);
-    widget->AssignSelection();
+    names.AssignSelection();
     EXPECT_EQ(answer.titles, QStringList {"Characterization Not Created"});
     EXPECT_EQ(answer.texts, QStringList {"You must create a new characterization before you can edit its bone mappings."});
-    EXPECT_EQ(model->GetAssignedBone(3), "");
-    hub.setCharacterTool(tool.get());
+    EXPECT_EQ(freshTool.GetModel()->GetAssignedBone(3), "");
+
+    // Creating one from the panel is what the message asks for.
+    ASSERT_TRUE(freshTool.CreateCharacterization(QStringLiteral("Hero")));
+    names.GetTree()->setCurrentItem(names.GetNodeRows(3).front());
+    names.AssignSelection();
+    EXPECT_EQ(freshTool.GetModel()->GetAssignedBone(3), "rig:LeftLeg");
+    EXPECT_EQ(answer.Count(), 1);
 }
 
 TEST_F(NameMatchTest, ClearOnAGroupRowEmptiesOnlyThatGroup)

@@ -59,6 +59,9 @@ public:
     int IndexOf(const Characterization* characterization) const;
     // The default name, numbered when it is taken.
     QString NextCharacterizationName() const;
+    // Whether the host has this characterization. The working one the model starts with stands in for the host's
+    // placeholder character until the host lists it or it makes way for one the host has.
+    bool IsCreated(const Characterization* characterization) const;
     // Adds, announces to the host and makes current; null when the name is empty or taken.
     std::shared_ptr<Characterization> CreateCharacterization(const QString& name);
     // Removes it; keeps the first one current when the current one went, and never leaves the list empty.
@@ -198,6 +201,7 @@ private:
     IDCCHub* mHub = nullptr;
     ResourceBridge* mBridge = nullptr;
     CharacterizationList mCharacterizations;
+    const Characterization* mPlaceholder = nullptr;
     int mCurrent = -1;
     std::array<int32_t, ZELNodeCount> mMarks {};
     std::array<std::string, ZELNodeCount> mNodeMessages;
