@@ -67,7 +67,9 @@ void ClipTreeWidget::LoadDirectories()
 {
     mDirectories.clear();
     const ConfigDocument& document = mBridge.GetConfiguration().Document();
-    for (const QStringList& row : document.ReadTable(ClipSection, ClipKey, {PathAttribute}))
+    // Our earlier versions kept the directories as items of one entry; they are taken up too.
+    for (const QStringList& row : document.ReadEntries(ClipSection, ClipKey, {PathAttribute}) +
+                                      document.ReadTable(ClipSection, ClipKey, {PathAttribute}))
     {
         if (!row.front().isEmpty() && !mDirectories.contains(row.front()))
             mDirectories.append(row.front());
@@ -79,7 +81,7 @@ bool ClipTreeWidget::StoreDirectories()
     QList<QStringList> rows;
     for (const QString& directory : mDirectories)
         rows.append({directory});
-    mBridge.GetConfiguration().Document().WriteTable(ClipSection, ClipKey, {PathAttribute}, rows);
+    mBridge.GetConfiguration().Document().WriteEntries(ClipSection, ClipKey, {PathAttribute}, rows);
     QString error;
     if (mBridge.SaveConfiguration(&error))
         return true;
@@ -190,13 +192,28 @@ void ClipTreeWidget::ShowExplorer()
                              tr("No file manager could be started to show %1.").arg(QDir::toNativeSeparators(path)));
 }
 
+QString ClipTreeWidget::ExplorerArgument(const QString& path)
+{
+    QString native = path;
+    native.replace(QLatin1Char('/'), QLatin1Char('\\'));
+    return QStringLiteral("/select,%1").arg(native);
+}
+
 bool ClipTreeWidget::RevealInFileManager(const QString& path)
 {
+#ifdef Q_OS_WIN
+    // The argument goes to the file manager as it is: Qt's quoting would break its "/select," syntax.
+    QProcess explorer;
+    explorer.setProgram(QStringLiteral("explorer"));
+    explorer.setNativeArguments(ExplorerArgument(path));
+    return explorer.startDetached();
+#else
     if (ShowItemsOverDBus(path))
         return true;
     const QFileInfo info(path);
     const QString folder = info.isDir() ? info.absoluteFilePath() : info.absolutePath();
     return QProcess::startDetached(QStringLiteral("xdg-open"), {folder});
+#endif
 }
 
 std::unique_ptr<QMenu> ClipTreeWidget::CreateContextMenu()

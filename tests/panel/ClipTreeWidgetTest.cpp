@@ -4,10 +4,12 @@
 #include <QFileDialog>
 #include <QMenu>
 #include <QTemporaryDir>
+#include <QXmlStreamReader>
 
 #include <zelkin/ClipTreeWidget.h>
 #include <zelkin/ConfigDocument.h>
 #include <zelkin/ResourceBridge.h>
+#include <zelkin/UserConfiguration.h>
 
 #include "ModalScript.h"
 #include "PanelFixture.h"
@@ -21,6 +23,40 @@ QStringList Children(const QTreeWidgetItem* top)
     for (int i = 0; i < top->childCount(); ++i)
         names.append(top->child(i)->text(0));
     return names;
+}
+
+QString ConfigFile()
+{
+    return PrivateAppData::ToolFolder() + QStringLiteral("/config/characterization_tool.xml");
+}
+
+// The "path" of every "clip_path" element of the configuration file, as any reader of the keyed layout sees them.
+QStringList StoredClipPaths()
+{
+    QFile file(ConfigFile());
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList paths;
+    QXmlStreamReader reader(&file);
+    QStringList open;
+    while (reader.readNext() != QXmlStreamReader::Invalid && !reader.atEnd())
+    {
+        if (reader.isEndElement())
+            open.removeLast();
+        if (!reader.isStartElement())
+            continue;
+        open.append(reader.name().toString());
+        if (open == QStringList({"config_root", "clip_list", "clip_path"}))
+            paths.append(reader.attributes().value(QStringLiteral("path")).toString());
+    }
+    return paths;
+}
+
+bool WriteConfig(const QByteArray& text)
+{
+    QDir().mkpath(QFileInfo(ConfigFile()).absolutePath());
+    QFile file(ConfigFile());
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text) == text.size();
 }
 
 struct Clips : MixamoPanel
@@ -58,16 +94,37 @@ TEST_F(Clips, ListsTheClipFilesOfEachDirectoryAndRemembersTheDirectories)
               QFileInfo(clips.filePath("walk.kst")).absoluteFilePath());
     EXPECT_EQ(tree.topLevelItem(1)->childCount(), 0);
 
-    ConfigDocument saved;
-    ASSERT_TRUE(saved.Load(PrivateAppData::ToolFolder() + QStringLiteral("/config/characterization_tool.xml")));
-    EXPECT_EQ(saved.ReadTable(QStringLiteral("clip_list"), QStringLiteral("clip_path"), {QStringLiteral("path")}),
-              QList<QStringList>({{QDir(clips.path()).absolutePath()}, {QDir(more.path()).absolutePath()}}));
+    EXPECT_EQ(StoredClipPaths(), QStringList({QDir(clips.path()).absolutePath(), QDir(more.path()).absolutePath()}));
 
     const std::unique_ptr<ResourceBridge> next = NextSession();
     ClipTreeWidget reopened(*next);
     EXPECT_EQ(reopened.GetDirectories(), tree.GetDirectories());
     ASSERT_EQ(reopened.topLevelItemCount(), 2);
     EXPECT_EQ(Children(reopened.topLevelItem(0)), QStringList({"Run.kst", "walk.kst"}));
+}
+
+TEST_F(Clips, DirectoriesWrittenInTheKeyedLayoutAreReadInOrder)
+{
+    ASSERT_TRUE(WriteConfig("<config_root>\n"
+                            "    <name_match><match_type value=\"Contains\"/></name_match>\n"
+                            "    <clip_list>\n"
+                            "        <clip_path path=\"" + QDir(more.path()).absolutePath().toUtf8() + "\"/>\n"
+                            "        <clip_path path=\"\"/>\n"
+                            "        <clip_path path=\"" + QDir(clips.path()).absolutePath().toUtf8() + "\"/>\n"
+                            "        <clip_path path=\"" + QDir(more.path()).absolutePath().toUtf8() + "\"/>\n"
+                            "    </clip_list>\n"
+                            "</config_root>\n"));
+    const std::unique_ptr<ResourceBridge> next = NextSession();
+    ClipTreeWidget tree(*next);
+    EXPECT_EQ(tree.GetDirectories(), QStringList({QDir(more.path()).absolutePath(), QDir(clips.path()).absolutePath()}));
+    ASSERT_EQ(tree.topLevelItemCount(), 2);
+    EXPECT_EQ(Children(tree.topLevelItem(1)), QStringList({"Run.kst", "walk.kst"}));
+
+    // Storing them again keeps the other settings and writes one entry per directory.
+    tree.setCurrentItem(tree.topLevelItem(0));
+    tree.RemoveDirectory();
+    EXPECT_EQ(StoredClipPaths(), QStringList({QDir(clips.path()).absolutePath()}));
+    EXPECT_EQ(NextSession()->GetConfiguration().MatchType(), NameMatcher::Contains);
 }
 
 TEST_F(Clips, RefreshFindsNewClipsAndRemoveForgetsADirectory)
@@ -123,6 +180,10 @@ TEST_F(Clips, TheContextMenuOffersItsEntriesInOrderAndExploreRevealsTheCurrentCl
     menu = tree.CreateContextMenu();
     menu->actions().at(3)->trigger();
     EXPECT_EQ(revealed, QStringList({QFileInfo(clips.filePath("walk.kst")).absoluteFilePath()}));
+
+    // The Windows file manager is started with the file selected, its path in native separators.
+    EXPECT_EQ(ClipTreeWidget::ExplorerArgument(QStringLiteral("C:/clips/run/walk.kst")),
+              QStringLiteral("/select,C:\\clips\\run\\walk.kst"));
 
     // A file manager that cannot be started is said once.
     tree.SetRevealer([](const QString&) { return false; });

@@ -13,7 +13,8 @@ class QMenu;
 class ResourceBridge;
 
 // Lists the clip files ("*.kst") of the clip directories the user chose, one top row per directory. The
-// directories are kept in the configuration ("clip_list"/"clip_path", one item with a "path" per directory).
+// directories are kept in the configuration, one "clip_path" entry with a "path" attribute each (section
+// "clip_list").
 class ZELKIN_CHARACTERIZATION_EXPORT ClipTreeWidget : public QTreeWidget
 {
     Q_OBJECT
@@ -38,8 +39,11 @@ public:
     // "Refresh", "Add Clip Directory...", "Remove", "Explore...", enabled as the current row allows.
     std::unique_ptr<QMenu> CreateContextMenu();
 
-    // The desktop's file manager through its D-Bus interface, else the folder through xdg-open.
+    // On Windows the file manager with the file selected ("explorer" with ExplorerArgument); elsewhere the
+    // desktop's file manager through its D-Bus interface, else the folder through xdg-open.
     static bool RevealInFileManager(const QString& path);
+    // "/select,%1" with every "/" of the path turned into a backslash.
+    static QString ExplorerArgument(const QString& path);
 
 signals:
     // A clip was double-clicked or chosen with Enter.
