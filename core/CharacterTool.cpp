@@ -69,12 +69,12 @@ void CharacterTool::BuildPages()
     mPages = new CharacterToolTabWidgetNoTabBar(this);
 
     QWidget* figurePage = new QWidget(mPages);
-    mDiagram = new DiagramWidget(figurePage, &mBridge->GetPictures(), mHub, mModel, this);
+    mDiagram = new DiagramWidget(figurePage, mBridge.get(), mHub, mModel, this);
     mFigureProperties = new PropertyView(figurePage, mHub, mModel);
     mPages->addTab(CreatePage(mDiagram, mFigureProperties), tr("Figure"));
 
     QWidget* namePage = new QWidget(mPages);
-    mNameMatch = new NameMatchWidget(namePage, mHub, &mBridge->GetPictures(), mModel, this);
+    mNameMatch = new NameMatchWidget(namePage, mHub, mBridge.get(), mModel, this);
     mNameMatch->setMinimumHeight(mDiagram->minimumHeight());
     mNameMatchProperties = new PropertyView(namePage, mHub, mModel);
     mPages->addTab(CreatePage(mNameMatch, mNameMatchProperties), tr("Name Match"));

@@ -11,6 +11,7 @@
 #include <zelkin/CharacterTool.h>
 #include <zelkin/CharacterizationModel.h>
 #include <zelkin/IDCCHub.h>
+#include <zelkin/ResourceBridge.h>
 
 #include "CompleterWidget.h"
 #include "FigureLayout.h"
@@ -42,10 +43,11 @@ bool IsHinge(int nodeId)
 const std::vector<PartItem*> NoArrows;
 } // namespace
 
-DiagramWidget::DiagramWidget(QWidget* parent, PictureCache* pictures, IDCCHub* hub, CharacterizationModel* model,
+DiagramWidget::DiagramWidget(QWidget* parent, ResourceBridge* bridge, IDCCHub* hub, CharacterizationModel* model,
                              CharacterTool* tool)
     : QGraphicsView(parent)
-    , mPictures(pictures)
+    , mOwnPictures(bridge == nullptr ? std::make_unique<PictureCache>() : nullptr)
+    , mPictures(bridge != nullptr ? &bridge->GetPictures() : mOwnPictures.get())
     , mHub(hub)
     , mModel(model)
     , mAssignment(this, hub, model)

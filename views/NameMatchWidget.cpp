@@ -14,6 +14,7 @@
 #include <zelkin/CharacterTool.h>
 #include <zelkin/CharacterizationModel.h>
 #include <zelkin/IDCCHub.h>
+#include <zelkin/ResourceBridge.h>
 
 #include "BoneCellDelegate.h"
 #include "CompleterWidget.h"
@@ -125,11 +126,11 @@ int BubbleColumn(int state)
 const std::vector<QTreeWidgetItem*> NoRows;
 } // namespace
 
-NameMatchWidget::NameMatchWidget(QWidget* parent, IDCCHub* hub, PictureCache* pictures, CharacterizationModel* model,
+NameMatchWidget::NameMatchWidget(QWidget* parent, IDCCHub* hub, ResourceBridge* bridge, CharacterizationModel* model,
                                  CharacterTool* tool)
     : QWidget(parent)
     , mHub(hub)
-    , mPictures(pictures)
+    , mPictures(bridge != nullptr ? &bridge->GetPictures() : nullptr)
     , mModel(model)
     , mTree(new NameMatchTreeWidget(this))
     , mDelegate(new BoneCellDelegate(hub, model, this))

@@ -7,6 +7,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -15,6 +16,7 @@
 #include <zelkin/CharacterTool.h>
 #include <zelkin/Characterization.h>
 #include <zelkin/CharacterizationModel.h>
+#include <zelkin/ResourceBridge.h>
 
 #include "DiagramWidget.h"
 #include "FigureLayout.h"
@@ -42,7 +44,7 @@ protected:
         model = tool->GetModel();
         ASSERT_NE(model, nullptr);
         hub.UpdateCharacterList({Characterization::DefaultName()}); // the host has the character
-        widget = std::make_unique<DiagramWidget>(nullptr, &pictures, &hub, model, tool.get());
+        widget = std::make_unique<DiagramWidget>(nullptr, tool->GetBridge(), &hub, model, tool.get());
         widget->resize(FigureLayout::BaseImageSize);
         widget->show();
     }
@@ -94,7 +96,6 @@ protected:
 
     QWidget host;
     TestHub hub;
-    PictureCache pictures {1};
     std::unique_ptr<CharacterTool> tool;
     CharacterizationModel* model = nullptr;
     std::unique_ptr<DiagramWidget> widget;
@@ -126,6 +127,19 @@ TEST_F(DiagramTest, StartsOnTheFullBodyWithEveryPartInPlace)
     // The neck and spine parts share one picture yet each node has its own item.
     EXPECT_NE(widget->GetPartItem(32), widget->GetPartItem(33));
     EXPECT_EQ(widget->GetPartItem(32)->GetImageBase(), widget->GetPartItem(33)->GetImageBase());
+}
+
+TEST_F(DiagramTest, TheFigureDrawsTheBridgesPicturesOrLoadsItsOwn)
+{
+    QTemporaryDir configuration;
+    ResourceBridge bridge(QDir(), QDir(configuration.path()));
+    DiagramWidget figure(nullptr, &bridge, &hub, model, nullptr);
+    ASSERT_TRUE(bridge.GetPictures().Contains(QStringLiteral("BodyGUI_Base.png")));
+    EXPECT_EQ(figure.GetBaseItem(0)->pixmap().cacheKey(),
+              bridge.GetPictures().Get(QStringLiteral("BodyGUI_Base.png")).cacheKey());
+    DiagramWidget alone(nullptr, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_FALSE(alone.GetBaseItem(0)->pixmap().isNull());
+    EXPECT_FALSE(alone.GetPartItem(1)->GetPicture().isNull());
 }
 
 TEST_F(DiagramTest, ArrowsLeadToTheirViewsAndBackEvenWhenLocked)

@@ -22,6 +22,7 @@
 #include <zelkin/CharacterTool.h>
 #include <zelkin/Characterization.h>
 #include <zelkin/CharacterizationModel.h>
+#include <zelkin/ResourceBridge.h>
 
 #include "CompleterWidget.h"
 #include "ModalAnswerer.h"
@@ -100,7 +101,7 @@ protected:
         model = tool->GetModel();
         ASSERT_NE(model, nullptr);
         hub.UpdateCharacterList({Characterization::DefaultName()}); // the host has the character
-        widget = std::make_unique<NameMatchWidget>(nullptr, &hub, &pictures, model, tool.get());
+        widget = std::make_unique<NameMatchWidget>(nullptr, &hub, tool->GetBridge(), model, tool.get());
         widget->resize(400, 600);
         widget->show();
     }
@@ -139,7 +140,7 @@ protected:
 
     bool ShowsBubble(QTreeWidgetItem* row, const QString& picture)
     {
-        const QPixmap& expected = pictures.Get(picture);
+        const QPixmap& expected = tool->GetBridge()->GetPictures().Get(picture);
         const QImage shown = row->icon(NameMatchWidget::NodeColumn).pixmap(expected.size()).toImage();
         return !expected.isNull() &&
                shown.convertToFormat(QImage::Format_ARGB32) == expected.toImage().convertToFormat(QImage::Format_ARGB32);
@@ -147,7 +148,6 @@ protected:
 
     QWidget host;
     TestHub hub;
-    PictureCache pictures {1};
     std::unique_ptr<CharacterTool> tool;
     CharacterizationModel* model = nullptr;
     std::unique_ptr<NameMatchWidget> widget;
