@@ -137,7 +137,11 @@ private:
     bool CanExtractTemplate();
     bool SaveTemplate(const QString& name, const QString& prefix);
     bool SaveConfiguration();
+    // Refuses a locked characterization, before any file is chosen.
+    bool CanLoad();
     bool ReplaceCurrent(const Characterization& loaded, const QString& path);
+    // Where the save and load dialogs open: the folder last used, at first the data directory.
+    QString DialogFolder() const;
 
     QMessageBox::StandardButton ShowMessage(QMessageBox::Icon icon, const QString& title, const QString& text,
                                             QMessageBox::StandardButtons buttons,
@@ -154,6 +158,7 @@ private:
     QTabWidget* mPages = nullptr;
     QAction* mMirrorAction = nullptr;
     QAction* mLockAction = nullptr;
+    QString mLastFolder;
     const bool mBatchMode;
     bool mConfirmDelete = true;
 };
