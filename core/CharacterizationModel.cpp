@@ -69,7 +69,6 @@ CharacterizationModel::CharacterizationModel(ResourceBridge* bridge, IDCCHub* hu
     , mHub(hub)
     , mBridge(bridge)
     , mTimer(new QTimer(this))
-    , mLastOperation(tr("No previous operation."))
     , mRules(std::make_unique<ValidationRun>())
 {
     // A working characterization the host has not been told about: the host's own list replaces it.
@@ -171,6 +170,7 @@ void CharacterizationModel::RemoveAt(int index)
     mCharacterizations.erase(mCharacterizations.begin() + index);
     if (removed.get() == mPlaceholder)
         mPlaceholder = nullptr;
+    mLastOperations.remove(removed.get());
     if (index == mCurrent)
         mCurrent = -1;
     else if (index < mCurrent)
@@ -368,7 +368,7 @@ bool CharacterizationModel::ClearNodes(const std::vector<int>& nodeIds)
         if (BoneCatalogue::IsValidNode(nodeId))
             Detach(*current, nodeId, false);
     }
-    mLastOperation = tr("Cleared one or more nodes.");
+    mLastOperations[current.get()] = tr("Cleared one or more nodes.");
     Update();
     return true;
 }
@@ -424,6 +424,11 @@ std::string CharacterizationModel::GetNodeMessage(int nodeId) const
 void CharacterizationModel::Validate()
 {
     RunValidation(true);
+}
+
+QString CharacterizationModel::GetLastOperationText() const
+{
+    return mLastOperations.value(GetCurrentCharacterization().get(), tr("No previous operation."));
 }
 
 bool CharacterizationModel::IsLocked() const
@@ -520,7 +525,7 @@ void CharacterizationModel::ClearAll()
         return;
     for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
         Detach(*current, nodeId, false);
-    mLastOperation = tr("Cleared all nodes.");
+    mLastOperations[current.get()] = tr("Cleared all nodes.");
     Update();
 }
 
@@ -553,7 +558,7 @@ void CharacterizationModel::SetEditMode(bool readOnly, std::vector<int> unsyncNo
             Detach(*current, nodeId, false);
     }
     if (!unsyncNodeToClear.empty())
-        mLastOperation = tr("Cleared one or more nodes.");
+        mLastOperations[current.get()] = tr("Cleared one or more nodes.");
     SetLockedState(*current, readOnly);
     RunValidation(true);
 }
@@ -609,7 +614,7 @@ void CharacterizationModel::Attach(Characterization& characterization, int nodeI
         SetMark(nodeId, Valid);
     if (mHub != nullptr)
         mHub->AttachHostBone(bone);
-    mLastOperation = QStringLiteral("%1%2").arg(tr("Assigned node: "), bone);
+    mLastOperations[&characterization] = QStringLiteral("%1%2").arg(tr("Assigned node: "), bone);
     if (mHub != nullptr)
         mHub->UpdateDccCharacterSkeleton(previous, bone, characterization.GetName(), nodeId, false);
 }
@@ -622,7 +627,7 @@ void CharacterizationModel::Detach(Characterization& characterization, int nodeI
     {
         if (mHub != nullptr)
             mHub->DetachHostBone(previous);
-        mLastOperation = QStringLiteral("%1%2").arg(tr("Unregistered node: "), previous);
+        mLastOperations[&characterization] = QStringLiteral("%1%2").arg(tr("Unregistered node: "), previous);
     }
     characterization.SetBone(nodeId, QString());
     if (&characterization == GetCurrentCharacterization().get())

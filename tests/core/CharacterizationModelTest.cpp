@@ -244,6 +244,32 @@ TEST_F(HandMadeModel, CharacterizationNodesFollowTheHost)
                                             "UI"}));
 }
 
+TEST_F(HandMadeModel, TheLastOperationTextBelongsToTheCurrentCharacterization)
+{
+    ASSERT_TRUE(model.ClearNode(Node("Head")));
+    const auto first = model.GetCurrentCharacterization();
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("Unregistered node: rig:Head"));
+    model.CreateCharacterization(QStringLiteral("B"));
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("No previous operation."));
+    ASSERT_TRUE(model.AssignBone(Node("Head"), QStringLiteral("rig:Head")));
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("Assigned node: rig:Head"));
+
+    model.SetCurrentCharacterization(model.IndexOf(first.get()));
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("Unregistered node: rig:Head"));
+    // What the host does to another characterization is that one's.
+    ASSERT_TRUE(model.AssignCharacterizationBone(QStringLiteral("B"), Node("Neck"), QStringLiteral("rig:Neck")));
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("Unregistered node: rig:Head"));
+    model.SetCurrentCharacterization(model.IndexOf(QStringLiteral("B")));
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("Assigned node: rig:Neck"));
+    model.ClearAll();
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("Cleared all nodes."));
+
+    // A characterization that goes and comes back by the same name starts afresh.
+    emit hub.CharacterizationNodeRemoved(QStringLiteral("B"));
+    model.CreateCharacterization(QStringLiteral("B"));
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("No previous operation."));
+}
+
 TEST_F(HandMadeModel, EditedPartAndModesAreAnnounced)
 {
     QSignalSpy parts(&model, &CharacterizationModel::EditedPartChanged);

@@ -107,4 +107,18 @@ TEST_F(StudioPanelTest, ClearingAGroupAViewOrEverythingIsOneUndoableStepEach)
     EXPECT_EQ(Model().GetValidationState(), Valid);
 }
 
+TEST_F(StudioPanelTest, TheStatusBarShowsTheCurrentCharacterizationsLastOperation)
+{
+    ASSERT_TRUE(Model().ClearNode(kLeftHand));
+    const QString cleared = QStringLiteral("Unregistered node: mixamorig:LeftHand");
+    EXPECT_EQ(window->statusBar()->currentMessage(), cleared);
+    ASSERT_TRUE(window->GetTool()->CreateCharacterization(QStringLiteral("Second")));
+    EXPECT_EQ(window->statusBar()->currentMessage(), QStringLiteral("No previous operation."));
+    ASSERT_TRUE(Model().AssignBone(kLeftHand, QStringLiteral("mixamorig:LeftHand")));
+    EXPECT_EQ(window->statusBar()->currentMessage(), QStringLiteral("Assigned node: mixamorig:LeftHand"));
+    ASSERT_TRUE(Model().SetCurrentCharacterization(0));
+    EXPECT_EQ(window->statusBar()->currentMessage(), cleared);
+    EXPECT_EQ(window->GetTool()->statusTip(), cleared);
+}
+
 } // namespace

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include <QHash>
 #include <QObject>
 #include <QSet>
 #include <QString>
@@ -155,7 +156,8 @@ public:
     int GetEditedPart() const { return mEditedPart; }
     // picked: the user picked the part, so the host selects its bone.
     void SetEditedPart(int nodeId, bool picked);
-    QString GetLastOperationText() const { return mLastOperation; }
+    // The current characterization's last operation, "No previous operation." before its first.
+    QString GetLastOperationText() const;
     QTimer* GetGeometryTimer() const { return mTimer; }
 
 signals:
@@ -214,6 +216,6 @@ private:
     MirrorMatcher mMirror;
     bool mBusy = false;
     bool mChanged = false;
-    QString mLastOperation;
+    QHash<const Characterization*, QString> mLastOperations;
     std::unique_ptr<ValidationRun> mRules;
 };
