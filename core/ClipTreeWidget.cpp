@@ -11,6 +11,7 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPainter>
 #include <QProcess>
 #include <QUrl>
 
@@ -171,6 +172,14 @@ void ClipTreeWidget::RemoveDirectory()
     const int index = CurrentDirectoryIndex();
     if (index < 0 || index >= mDirectories.size())
         return;
+    const QTreeWidgetItem* row = currentItem();
+    if (row->parent() != nullptr &&
+        QMessageBox::question(this, tr("Remove Clip Directory"),
+                              tr("%1 is a clip of the directory %2.\nRemove the whole directory from the list? Its "
+                                 "files stay where they are.")
+                                  .arg(row->text(0), QDir::toNativeSeparators(mDirectories[index])),
+                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
+        return;
     mDirectories.removeAt(index);
     StoreDirectories();
     delete takeTopLevelItem(index);
@@ -227,6 +236,24 @@ std::unique_ptr<QMenu> ClipTreeWidget::CreateContextMenu()
     remove->setEnabled(onRow);
     menu->addAction(tr("Explore..."), this, &ClipTreeWidget::ShowExplorer)->setEnabled(onRow);
     return menu;
+}
+
+QString ClipTreeWidget::GetEmptyText()
+{
+    return tr("No clip directories yet.\nRight-click here and choose \"Add Clip Directory...\" to list the clips "
+              "of a directory.");
+}
+
+void ClipTreeWidget::paintEvent(QPaintEvent* event)
+{
+    QTreeWidget::paintEvent(event);
+    if (topLevelItemCount() > 0)
+        return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::Text));
+    const int margin = fontMetrics().height();
+    painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, GetEmptyText());
 }
 
 void ClipTreeWidget::contextMenuEvent(QContextMenuEvent* event)

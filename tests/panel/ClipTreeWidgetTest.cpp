@@ -1,5 +1,6 @@
 // The clip browser: clip files written by the panel, listed per directory, and directories remembered in the
 // configuration.
+#include <QApplication>
 #include <QFile>
 #include <QFileDialog>
 #include <QMenu>
@@ -139,7 +140,7 @@ TEST_F(Clips, RefreshFindsNewClipsAndRemoveForgetsADirectory)
     EXPECT_EQ(Children(tree.topLevelItem(1)), QStringList({"jump.kst"}));
     EXPECT_EQ(tree.GetCurrentClip(), QFileInfo(clips.filePath("walk.kst")).absoluteFilePath()); // kept its place
 
-    tree.setCurrentItem(tree.topLevelItem(0)->child(0)); // a clip row stands for its directory
+    tree.setCurrentItem(tree.topLevelItem(0));
     tree.RemoveDirectory();
     EXPECT_EQ(tree.GetDirectories(), QStringList({QDir(more.path()).absolutePath()}));
     ASSERT_EQ(tree.topLevelItemCount(), 1);
@@ -150,6 +151,56 @@ TEST_F(Clips, RefreshFindsNewClipsAndRemoveForgetsADirectory)
     tree.Refresh();
     ASSERT_EQ(tree.topLevelItemCount(), 1);
     EXPECT_EQ(tree.topLevelItem(0)->childCount(), 0);
+}
+
+TEST_F(Clips, RemoveOnAClipAsksBeforeItsDirectoryGoes)
+{
+    ClipTreeWidget tree(*tool->GetBridge());
+    tree.AddDirectoryPath(clips.path());
+    tree.AddDirectoryPath(more.path());
+    tree.setCurrentItem(tree.topLevelItem(0)->child(1));
+    {
+        ModalScript declined({ModalScript::Answer(QMessageBox::No)});
+        tree.RemoveDirectory();
+        EXPECT_EQ(declined.boxTitles, QStringList({"Remove Clip Directory"}));
+        EXPECT_TRUE(declined.boxTexts.value(0).contains(QDir::toNativeSeparators(QDir(clips.path()).absolutePath())));
+    }
+    EXPECT_EQ(tree.GetDirectories().size(), 2);
+    EXPECT_EQ(tree.GetCurrentClip(), QFileInfo(clips.filePath("walk.kst")).absoluteFilePath());
+    {
+        ModalScript accepted({ModalScript::Answer(QMessageBox::Yes)});
+        tree.RemoveDirectory();
+        EXPECT_TRUE(accepted.Done());
+    }
+    EXPECT_EQ(tree.GetDirectories(), QStringList({QDir(more.path()).absolutePath()}));
+    EXPECT_TRUE(QFileInfo::exists(clips.filePath("walk.kst"))); // only the list forgets it
+}
+
+// The viewport of an empty browser holds text saying how to add a directory; a listed one shows its rows instead.
+int InkPixels(ClipTreeWidget& tree)
+{
+    tree.resize(320, 240);
+    tree.show();
+    QApplication::processEvents();
+    const QImage shot = tree.viewport()->grab().toImage();
+    const QColor base = tree.viewport()->palette().color(QPalette::Base);
+    int ink = 0;
+    for (int y = 0; y < shot.height(); ++y)
+    {
+        for (int x = 0; x < shot.width(); ++x)
+            ink += qAbs(qGray(shot.pixel(x, y)) - qGray(base.rgb())) > 96 ? 1 : 0;
+    }
+    return ink;
+}
+
+TEST_F(Clips, AnEmptyBrowserSaysHowToAddADirectory)
+{
+    ClipTreeWidget tree(*tool->GetBridge());
+    EXPECT_TRUE(tree.GetEmptyText().contains(QStringLiteral("Add Clip Directory...")));
+    const int empty = InkPixels(tree);
+    EXPECT_GT(empty, 200);
+    ASSERT_TRUE(tree.AddDirectoryPath(more.path())); // an empty directory: one row
+    EXPECT_LT(InkPixels(tree), empty / 2);
 }
 
 TEST_F(Clips, TheContextMenuOffersItsEntriesInOrderAndExploreRevealsTheCurrentClip)

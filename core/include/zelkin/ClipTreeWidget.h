@@ -38,6 +38,8 @@ public:
     void SetRevealer(Revealer revealer) { mRevealer = std::move(revealer); }
     // "Refresh", "Add Clip Directory...", "Remove", "Explore...", enabled as the current row allows.
     std::unique_ptr<QMenu> CreateContextMenu();
+    // What an empty browser shows where its rows would be: how to add a directory.
+    static QString GetEmptyText();
 
     // On Windows the file manager with the file selected ("explorer" with ExplorerArgument); elsewhere the
     // desktop's file manager through its D-Bus interface, else the folder through xdg-open.
@@ -52,11 +54,13 @@ signals:
 public slots:
     void Refresh();
     void AddDirectory();
+    // Takes the current row's directory out of the list (its files stay); on a clip row, only once the user agrees.
     void RemoveDirectory();
     void ShowExplorer();
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
