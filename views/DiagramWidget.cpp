@@ -14,11 +14,13 @@
 #include <zelkin/ResourceBridge.h>
 
 #include "CompleterWidget.h"
+#include "DialogParent.h"
 #include "FigureLayout.h"
 #include "HoverAdapter.h"
 #include "InversionItem.h"
 #include "PartItem.h"
 #include "PictureCache.h"
+#include "ReadablePalette.h"
 #include "ViewConnections.h"
 
 namespace
@@ -358,7 +360,8 @@ std::unique_ptr<QMenu> DiagramWidget::CreateContextMenu(PartItem* underCursor)
     const bool node = item && !IsNonNodeItem(underCursor);
     const int invertible = BoneAssignment::InvertibleBoneOf(MenuNode());
 
-    auto menu = std::make_unique<QMenu>(this);
+    auto menu = std::make_unique<QMenu>(DialogParent(this));
+    menu->setPalette(WithReadableDisabledText(menu->palette()));
     menu->addAction(tr("Assign Selected Bone"), this, SLOT(AssignSelection()))
         ->setEnabled(!HostSelection().isEmpty() && node && editable);
     menu->addAction(tr("Change Assigned Bone..."), this, SLOT(ShowAutoCompletion()))->setEnabled(node && editable);
@@ -394,7 +397,7 @@ void DiagramWidget::ShowAutoCompletion()
     if (mMenuItem == nullptr || IsNonNodeItem(mMenuItem) || !mAssignment.ConfirmEditable())
         return;
     const int nodeId = MenuNode();
-    CompleterWidget completer(this, mHub, mModel, nodeId);
+    CompleterWidget completer(DialogParent(this), mHub, mModel, nodeId);
     if (completer.exec() == QDialog::Accepted)
         mAssignment.ApplyEnteredName(nodeId, completer.GetText());
 }

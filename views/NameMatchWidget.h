@@ -90,6 +90,8 @@ private:
     void UpdateRow(QTreeWidgetItem* row, const QStringList& hostSelection);
     QStringList HostSelection() const;
     bool IsNodeRow(const QTreeWidgetItem* row) const;
+    // Brings the row into sight with a few of its neighbours above and below.
+    void ScrollIntoView(QTreeWidgetItem* row);
 
     IDCCHub* mHub;
     PictureCache* mPictures;

@@ -61,7 +61,13 @@ public slots:
     void BoneDoubleClick(QMouseEvent* event);
     void OnDccSelect();
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
+    // Its disabled rows (quantities a joint does not have) stay readable in any palette.
+    void KeepDisabledTextReadable();
+    QLabel* Label(const QString& text);
     QLineEdit* AddLine(int row, const QString& label);
     void AddQuantityRow(int row, Quantity quantity, const QString& label);
     void Fill(int nodeId);
@@ -80,4 +86,5 @@ private:
     std::array<QLabel*, QuantityCount> mLabels {};
     std::array<std::array<QLineEdit*, 3>, QuantityCount> mValues {};
     int mNodeId = -1;
+    bool mAdjustingPalette = false;
 };

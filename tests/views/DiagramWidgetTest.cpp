@@ -4,10 +4,12 @@
 
 #include <QGraphicsPixmapItem>
 #include <QGraphicsSceneHoverEvent>
+#include <QApplication>
 #include <QMenu>
 #include <QMessageBox>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -255,6 +257,52 @@ TEST_F(DiagramTest, ClicksAreRefusedOnALockedOrUncreatedCharacterization)
     EXPECT_EQ(fresh.GetCurrentCharacterNodeName(), Characterization::DefaultName());
     ClickOn(figure, figure.GetPartItem(3));
     EXPECT_EQ(freshTool.GetModel()->GetEditedPart(), 3);
+}
+
+// The colour in the middle of a window's right edge, inside its frame: its background.
+QColor Background(QWidget& window)
+{
+    const QImage shot = window.grab().toImage();
+    return QColor(shot.pixel(shot.width() - 4, shot.height() / 2));
+}
+
+TEST_F(DiagramTest, ItsMenuTooltipsAndBoxesLookLikeTheApplicationsNotLikeTheFigure)
+{
+    // The panel's own figure, inside its page: a style sheet of the figure would reach what hangs on it.
+    host.resize(tool->sizeHint());
+    host.show();
+    DiagramWidget& figure = *tool->GetDiagramWidget();
+    const QColor figureBackground(68, 68, 68);
+    ASSERT_EQ(Background(*figure.viewport()), figureBackground);
+
+    QMenu plainMenu;
+    plainMenu.addAction(QStringLiteral("Clear"));
+    std::unique_ptr<QMenu> menu = figure.CreateContextMenu(figure.GetPartItem(3));
+    EXPECT_EQ(Background(*menu), Background(plainMenu));
+
+    const QPoint at = figure.mapFromScene(figure.GetPartItem(11)->sceneBoundingRect().center());
+    QTest::mouseMove(figure.viewport(), at);
+    QWidget* tip = nullptr;
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        for (QWidget* window : QApplication::topLevelWidgets())
+            tip = window->inherits("QTipLabel") && window->isVisible() ? window : tip;
+        return tip != nullptr;
+    }));
+    EXPECT_NE(Background(*tip), figureBackground);
+    EXPECT_EQ(Background(*tip), QApplication::palette().color(QPalette::ToolTipBase));
+
+    MapRequired();
+    model->SetEditMode(true);
+    QColor box;
+    QTimer::singleShot(50, [&box] {
+        if (QWidget* window = QApplication::activeModalWidget())
+        {
+            box = Background(*window);
+            QMetaObject::invokeMethod(window, "reject", Qt::QueuedConnection);
+        }
+    });
+    ClickOn(figure, figure.GetPartItem(3));
+    EXPECT_EQ(box, QApplication::palette().color(QPalette::Window));
 }
 
 TEST_F(DiagramTest, TheHostsSelectionBecomesTheEditedPart)

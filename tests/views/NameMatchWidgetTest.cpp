@@ -9,6 +9,7 @@
 #include <QCompleter>
 #include <QLineEdit>
 #include <QPointer>
+#include <QScrollBar>
 #include <QMenu>
 #include <QMessageBox>
 #include <QSignalSpy>
@@ -242,6 +243,24 @@ TEST_F(NameMatchTest, PickingARowEditsItsNodeAndSelectsItsBoneInTheHost)
 
     model->SetEditedPart(CharacterizationModel::NoPart, false);
     EXPECT_EQ(Tree()->currentItem(), nullptr);
+}
+
+TEST_F(NameMatchTest, ARowTheFigurePicksComesIntoSightWithItsNeighboursAndTheNodeColumn)
+{
+    widget->resize(262, 300);
+    QApplication::processEvents();
+    for (int nodeId : {140, 12, 97, 60})
+    {
+        model->SetEditedPart(nodeId, false);
+        QApplication::processEvents();
+        const QRect row = Tree()->visualItemRect(Row(nodeId));
+        const QRect room = Tree()->viewport()->rect();
+        EXPECT_GE(row.top() - room.top(), 3 * row.height()) << nodeId;
+        EXPECT_GE(room.bottom() - row.bottom(), 3 * row.height()) << nodeId;
+        // Never sideways: the groups and node names stay where they start, the bones keep a share of the width.
+        EXPECT_EQ(Tree()->horizontalScrollBar()->value(), 0) << nodeId;
+        EXPECT_LE(Tree()->columnWidth(NameMatchWidget::NodeColumn), room.width() * 2 / 3) << nodeId;
+    }
 }
 
 // ---- assignment asks the figure's questions ----
