@@ -5,7 +5,6 @@
 #include <QFileDialog>
 #include <QMenu>
 #include <QTemporaryDir>
-#include <QXmlStreamReader>
 
 #include <zelkin/ClipTreeWidget.h>
 #include <zelkin/ConfigDocument.h>
@@ -31,24 +30,15 @@ QString ConfigFile()
     return PrivateAppData::ToolFolder() + QStringLiteral("/config/characterization_tool.xml");
 }
 
-// The "path" of every "clip_path" element of the configuration file, as any reader of the keyed layout sees them.
+// The "path" of every "clip_path" entry of the configuration file.
 QStringList StoredClipPaths()
 {
-    QFile file(ConfigFile());
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
+    ConfigDocument saved;
     QStringList paths;
-    QXmlStreamReader reader(&file);
-    QStringList open;
-    while (reader.readNext() != QXmlStreamReader::Invalid && !reader.atEnd())
+    if (saved.Load(ConfigFile()))
     {
-        if (reader.isEndElement())
-            open.removeLast();
-        if (!reader.isStartElement())
-            continue;
-        open.append(reader.name().toString());
-        if (open == QStringList({"config_root", "clip_list", "clip_path"}))
-            paths.append(reader.attributes().value(QStringLiteral("path")).toString());
+        for (const QStringList& row : saved.ReadEntries("clip_list", "clip_path", {"path"}))
+            paths.append(row.front());
     }
     return paths;
 }
