@@ -17,6 +17,7 @@
 #include "DiagramWidget.h"
 #include "NameMatchWidget.h"
 #include "PropertyView.h"
+#include "ReadablePalette.h"
 
 namespace
 {
@@ -328,6 +329,13 @@ int CharacterTool::DeprecateInlineRollBones()
     if (rewritten > 0)
         mModel->AssignBones(rewrites);
     return rewritten;
+}
+
+int CharacterTool::ExecDialog(QDialog& dialog)
+{
+    // Its disabled fields (a match type that does not apply, say) as readable as the panel's.
+    dialog.setPalette(WithReadableDisabledText(dialog.palette()));
+    return dialog.exec();
 }
 
 QMessageBox::StandardButton CharacterTool::ShowMessage(QMessageBox::Icon icon, const QString& title,

@@ -76,7 +76,7 @@ void CharacterTool::OnSave()
         return;
     SkeletonFileDialog dialog(this, QFileDialog::AcceptSave, DialogFolder());
     dialog.selectFile(GetCharacterization()->GetName());
-    if (dialog.exec() != QDialog::Accepted)
+    if (ExecDialog(dialog) != QDialog::Accepted)
         return;
     mLastFolder = QFileInfo(dialog.GetPath()).absolutePath();
     SaveFile(dialog.GetPath(), FileFormat(dialog.GetFormat()), dialog.GetSaveRotationLimits());
@@ -118,7 +118,7 @@ void CharacterTool::OnLoad()
     if (mBatchMode || !CanLoad())
         return;
     SkeletonFileDialog dialog(this, QFileDialog::AcceptOpen, DialogFolder());
-    if (dialog.exec() != QDialog::Accepted)
+    if (ExecDialog(dialog) != QDialog::Accepted)
         return;
     mLastFolder = QFileInfo(dialog.GetPath()).absolutePath();
     LoadFile(dialog.GetPath());

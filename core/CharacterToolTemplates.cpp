@@ -117,7 +117,7 @@ bool CharacterTool::ShowAutoMatch()
         else
             dialog.RecommendAutomatic(none);
     }
-    if (dialog.exec() != QDialog::Accepted)
+    if (ExecDialog(dialog) != QDialog::Accepted)
         return false;
     const bool selectedOnly = dialog.GetScope() == ApplyTemplateDialog::SelectedOnly;
     if (dialog.IsAutomatic())
@@ -242,7 +242,7 @@ bool CharacterTool::ShowExtractTemplate()
     const TemplateLibrary library = mModel->GetTemplateLibrary();
     SaveTemplateDialog dialog(library, DefaultTemplateName(current), mModel->CommonBonePrefix(MappedBones(current)),
                               this);
-    if (dialog.exec() != QDialog::Accepted)
+    if (ExecDialog(dialog) != QDialog::Accepted)
         return false;
     return SaveTemplate(dialog.GetTemplateName(), dialog.GetPrefix());
 }
@@ -281,7 +281,7 @@ bool CharacterTool::ShowConfigMirror()
     if (mModel == nullptr || mBatchMode)
         return false;
     ConfigMirrorDialog dialog(mBridge->GetConfiguration().Document(), this);
-    if (dialog.exec() != QDialog::Accepted)
+    if (ExecDialog(dialog) != QDialog::Accepted)
         return false;
     SaveConfiguration();
     mModel->ReloadMirrorPairs();

@@ -18,6 +18,7 @@ class IDCCHub;
 class NameMatchWidget;
 class PropertyView;
 class QAction;
+class QDialog;
 class QTabWidget;
 class ResourceBridge;
 
@@ -143,6 +144,7 @@ private:
     // Where the save and load dialogs open: the folder last used, at first the data directory.
     QString DialogFolder() const;
 
+    int ExecDialog(QDialog& dialog);
     QMessageBox::StandardButton ShowMessage(QMessageBox::Icon icon, const QString& title, const QString& text,
                                             QMessageBox::StandardButtons buttons,
                                             QMessageBox::StandardButton batchAnswer);
