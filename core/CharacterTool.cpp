@@ -334,7 +334,7 @@ int CharacterTool::DeprecateInlineRollBones()
 int CharacterTool::ExecDialog(QDialog& dialog)
 {
     // Its disabled fields (a match type that does not apply, say) as readable as the panel's.
-    dialog.setPalette(WithReadableDisabledText(dialog.palette()));
+    dialog.setPalette(ReadablePalette(dialog.palette()));
     return dialog.exec();
 }
 

@@ -361,7 +361,7 @@ std::unique_ptr<QMenu> DiagramWidget::CreateContextMenu(PartItem* underCursor)
     const int invertible = BoneAssignment::InvertibleBoneOf(MenuNode());
 
     auto menu = std::make_unique<QMenu>(DialogParent(this));
-    menu->setPalette(WithReadableDisabledText(menu->palette()));
+    menu->setPalette(ReadablePalette(menu->palette()));
     menu->addAction(tr("Assign Selected Bone"), this, SLOT(AssignSelection()))
         ->setEnabled(!HostSelection().isEmpty() && node && editable);
     menu->addAction(tr("Change Assigned Bone..."), this, SLOT(ShowAutoCompletion()))->setEnabled(node && editable);

@@ -7,6 +7,8 @@
 #include <QMouseEvent>
 #include <QScrollBar>
 
+#include "ReadablePalette.h"
+
 namespace
 {
 // The part of the width the first column may take at most, in percent.
@@ -20,6 +22,13 @@ void NameMatchTreeWidget::FitFirstColumn()
     const int first = std::max(1, std::min(sizeHintForColumn(0), room));
     setColumnWidth(0, first);
     setColumnWidth(columnCount() - 1, std::max(1, width - first));
+}
+
+bool NameMatchTreeWidget::event(QEvent* event)
+{
+    const bool handled = QTreeWidget::event(event);
+    KeepReadable(*this, event); // the current row's text on its highlight
+    return handled;
 }
 
 bool NameMatchTreeWidget::viewportEvent(QEvent* event)

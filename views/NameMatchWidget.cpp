@@ -229,6 +229,7 @@ void NameMatchWidget::BuildTree()
     mTree->setIconSize(QSize(IconExtent, IconExtent));
     mTree->setIndentation(IconExtent * 3 / 5); // four levels deep, the names still need the room
     mTree->header()->setStretchLastSection(false); // the tree shares its width out itself
+    KeepReadable(*mTree);
 
     QHash<QString, QIcon> icons; // several groups share a picture
     for (const GroupEntry& entry : Groups())
@@ -486,7 +487,7 @@ std::unique_ptr<QMenu> NameMatchWidget::CreateContextMenu()
     const int invertible = nodeRow ? BoneAssignment::InvertibleBoneOf(NodeOfRow(row)) : -1;
 
     auto menu = std::make_unique<QMenu>(DialogParent(this));
-    menu->setPalette(WithReadableDisabledText(menu->palette()));
+    menu->setPalette(ReadablePalette(menu->palette()));
     menu->addAction(tr("Assign Selected Bone"), this, SLOT(AssignSelection()))
         ->setEnabled(editable && nodeRow && !HostSelection().isEmpty());
     menu->addAction(tr("Change Assigned Bone..."), this, SLOT(ShowAutoCompletion()))->setEnabled(editable && nodeRow);

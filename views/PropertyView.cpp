@@ -94,26 +94,15 @@ PropertyView::PropertyView(QWidget* parent, IDCCHub* hub, CharacterizationModel*
         connect(mHub, SIGNAL(selectionChanged()), this, SLOT(OnDccSelect()));
     Fill(mNodeId);
     OnDccSelect();
-    KeepDisabledTextReadable();
+    // Its disabled rows (quantities a joint does not have) stay readable.
+    KeepReadable(*this);
 }
 
 bool PropertyView::event(QEvent* event)
 {
     const bool handled = QFrame::event(event);
-    // A new application palette reaches a view inside a window as PaletteChange, a view that is a window as this.
-    const bool newPalette = event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationPaletteChange;
-    if (newPalette && !mAdjustingPalette)
-        KeepDisabledTextReadable();
+    KeepReadable(*this, event);
     return handled;
-}
-
-void PropertyView::KeepDisabledTextReadable()
-{
-    mAdjustingPalette = true;
-    // Back to what the view inherits first, so none of the colours set before holds on to an old palette.
-    setPalette(QPalette());
-    setPalette(ReadableDisabledTextOnly(palette()));
-    mAdjustingPalette = false;
 }
 
 QLabel* PropertyView::Label(const QString& text)

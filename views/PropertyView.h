@@ -65,8 +65,6 @@ protected:
     bool event(QEvent* event) override;
 
 private:
-    // Its disabled rows (quantities a joint does not have) stay readable in any palette.
-    void KeepDisabledTextReadable();
     QLabel* Label(const QString& text);
     QLineEdit* AddLine(int row, const QString& label);
     void AddQuantityRow(int row, Quantity quantity, const QString& label);
@@ -86,5 +84,4 @@ private:
     std::array<QLabel*, QuantityCount> mLabels {};
     std::array<std::array<QLineEdit*, 3>, QuantityCount> mValues {};
     int mNodeId = -1;
-    bool mAdjustingPalette = false;
 };

@@ -30,6 +30,7 @@
 #include "NameMatchTreeWidget.h"
 #include "NameMatchWidget.h"
 #include "PictureCache.h"
+#include "ReadablePalette.h"
 #include "TestHub.h"
 #include "TestScenes.h"
 
@@ -261,6 +262,24 @@ TEST_F(NameMatchTest, ARowTheFigurePicksComesIntoSightWithItsNeighboursAndTheNod
         EXPECT_EQ(Tree()->horizontalScrollBar()->value(), 0) << nodeId;
         EXPECT_LE(Tree()->columnWidth(NameMatchWidget::NodeColumn), room.width() * 2 / 3) << nodeId;
     }
+}
+
+TEST_F(NameMatchTest, TheCurrentRowsTextIsReadableOnItsHighlight)
+{
+    const QPalette original = QApplication::palette();
+    QPalette light = original;
+    light.setColor(QPalette::Highlight, QColor(48, 140, 198)); // 3.7:1 under white
+    light.setColor(QPalette::HighlightedText, Qt::white);
+    QApplication::setPalette(light);
+    QApplication::processEvents();
+    const QPalette& shown = Tree()->palette();
+    for (QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive})
+    {
+        EXPECT_GE(ContrastRatio(shown.color(group, QPalette::HighlightedText), shown.color(group, QPalette::Highlight)),
+                  5.5);
+        EXPECT_EQ(shown.color(group, QPalette::Highlight).hue(), QColor(48, 140, 198).hue()); // the same blue
+    }
+    QApplication::setPalette(original);
 }
 
 // ---- assignment asks the figure's questions ----
