@@ -17,6 +17,7 @@
 #include "DiagramWidget.h"
 #include "NameMatchWidget.h"
 #include "PropertyView.h"
+#include "ReadablePalette.h"
 
 namespace
 {
@@ -69,12 +70,12 @@ void CharacterTool::BuildPages()
     mPages = new CharacterToolTabWidgetNoTabBar(this);
 
     QWidget* figurePage = new QWidget(mPages);
-    mDiagram = new DiagramWidget(figurePage, &mBridge->GetPictures(), mHub, mModel, this);
+    mDiagram = new DiagramWidget(figurePage, mBridge.get(), mHub, mModel, this);
     mFigureProperties = new PropertyView(figurePage, mHub, mModel);
     mPages->addTab(CreatePage(mDiagram, mFigureProperties), tr("Figure"));
 
     QWidget* namePage = new QWidget(mPages);
-    mNameMatch = new NameMatchWidget(namePage, mHub, &mBridge->GetPictures(), mModel, this);
+    mNameMatch = new NameMatchWidget(namePage, mHub, mBridge.get(), mModel, this);
     mNameMatch->setMinimumHeight(mDiagram->minimumHeight());
     mNameMatchProperties = new PropertyView(namePage, mHub, mModel);
     mPages->addTab(CreatePage(mNameMatch, mNameMatchProperties), tr("Name Match"));
@@ -283,8 +284,17 @@ void CharacterTool::DoToggleMirrorMode(bool mirror)
 
 void CharacterTool::ClearCharacterization()
 {
-    if (mModel != nullptr)
-        mModel->ClearAll();
+    if (mModel == nullptr)
+        return;
+    // The model clears whatever it is asked to; the user's command respects the lock as the views do.
+    if (mModel->IsLocked())
+    {
+        ShowError(tr("Characterization Locked"),
+                  tr("The current characterization is locked.\nYou must unlock it before you can edit its bone "
+                     "mappings."));
+        return;
+    }
+    mModel->ClearAll();
 }
 
 void CharacterTool::SyncOnModel()
@@ -319,6 +329,13 @@ int CharacterTool::DeprecateInlineRollBones()
     if (rewritten > 0)
         mModel->AssignBones(rewrites);
     return rewritten;
+}
+
+int CharacterTool::ExecDialog(QDialog& dialog)
+{
+    // Its disabled fields (a match type that does not apply, say) as readable as the panel's.
+    dialog.setPalette(ReadablePalette(dialog.palette()));
+    return dialog.exec();
 }
 
 QMessageBox::StandardButton CharacterTool::ShowMessage(QMessageBox::Icon icon, const QString& title,

@@ -65,14 +65,20 @@ bool CharacterTool::SetCharacterizationFromStream(const void* buffer, int32_t le
     return mModel->ReplaceCurrentContent(rebuilt);
 }
 
+QString CharacterTool::DialogFolder() const
+{
+    return mLastFolder.isEmpty() ? mBridge->GetDataDirectory() : mLastFolder;
+}
+
 void CharacterTool::OnSave()
 {
     if (GetCharacterization() == nullptr || mBatchMode)
         return;
-    SkeletonFileDialog dialog(this, QFileDialog::AcceptSave, mBridge->GetDataDirectory());
+    SkeletonFileDialog dialog(this, QFileDialog::AcceptSave, DialogFolder());
     dialog.selectFile(GetCharacterization()->GetName());
-    if (dialog.exec() != QDialog::Accepted)
+    if (ExecDialog(dialog) != QDialog::Accepted)
         return;
+    mLastFolder = QFileInfo(dialog.GetPath()).absolutePath();
     SaveFile(dialog.GetPath(), FileFormat(dialog.GetFormat()), dialog.GetSaveRotationLimits());
 }
 
@@ -109,24 +115,31 @@ bool CharacterTool::SaveFile(const QString& path, FileFormat format, bool saveRo
 
 void CharacterTool::OnLoad()
 {
-    if (GetCharacterization() == nullptr || mBatchMode)
+    if (mBatchMode || !CanLoad())
         return;
-    SkeletonFileDialog dialog(this, QFileDialog::AcceptOpen, mBridge->GetDataDirectory());
-    if (dialog.exec() == QDialog::Accepted)
-        LoadFile(dialog.GetPath());
+    SkeletonFileDialog dialog(this, QFileDialog::AcceptOpen, DialogFolder());
+    if (ExecDialog(dialog) != QDialog::Accepted)
+        return;
+    mLastFolder = QFileInfo(dialog.GetPath()).absolutePath();
+    LoadFile(dialog.GetPath());
+}
+
+bool CharacterTool::CanLoad()
+{
+    if (GetCharacterization() == nullptr)
+        return false;
+    if (!mModel->IsLocked())
+        return true;
+    ShowError(tr("Characterization Locked"),
+              tr("The current characterization is locked.\nYou must unlock it before you can load a skeleton "
+                 "definition."));
+    return false;
 }
 
 bool CharacterTool::LoadFile(const QString& path)
 {
-    if (GetCharacterization() == nullptr)
+    if (!CanLoad())
         return false;
-    if (mModel->IsLocked())
-    {
-        ShowError(tr("Characterization Locked"),
-                  tr("The current characterization is locked.\nYou must unlock it before you can load a skeleton "
-                     "definition."));
-        return false;
-    }
     if (!path.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive))
     {
         const std::unique_ptr<Characterization> loaded = LoadBinary(path);

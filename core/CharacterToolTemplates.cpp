@@ -63,6 +63,12 @@ bool CharacterTool::CanApplyTemplate()
                      "template."));
         return false;
     }
+    if (ReadHostBones(mHub).selection.isEmpty())
+    {
+        ShowError(tr("Match Error"),
+                  tr("You must select at least one bone in the skeleton\nbefore you can use a mapping template."));
+        return false;
+    }
     return true;
 }
 
@@ -111,12 +117,12 @@ bool CharacterTool::ShowAutoMatch()
         else
             dialog.RecommendAutomatic(none);
     }
-    if (dialog.exec() != QDialog::Accepted)
+    if (ExecDialog(dialog) != QDialog::Accepted)
         return false;
     const bool selectedOnly = dialog.GetScope() == ApplyTemplateDialog::SelectedOnly;
     if (dialog.IsAutomatic())
     {
-        const int mapped = ApplyRecognized(recognized, skeleton, selectedOnly);
+        const int mapped = ApplyRecognized(recognized, skeleton);
         if (mapped >= 0)
             ReportApplied(mapped, true);
         return mapped >= 0;
@@ -131,17 +137,11 @@ bool CharacterTool::ShowAutoMatch()
 }
 
 int CharacterTool::ApplyRecognized(const SkeletonRecognizer::Result& recognized,
-                                   const std::vector<SkeletonRecognizer::Bone>& skeleton, bool selectedOnly)
+                                   const std::vector<SkeletonRecognizer::Bone>& skeleton)
 {
     if (recognized.characters.empty())
     {
         ShowError(tr("Match Error"), SkeletonRecognizer::NoHumanoidText(int(skeleton.size())));
-        return -1;
-    }
-    if (selectedOnly && ReadHostBones(mHub).selection.isEmpty())
-    {
-        ShowError(tr("Match Error"),
-                  tr("You must select at least one bone in the skeleton\nbefore you can use a mapping template."));
         return -1;
     }
     const SkeletonRecognizer::Character& character =
@@ -173,12 +173,6 @@ int CharacterTool::ApplyTemplate(const QString& name, int matchType, bool select
         return -1;
     }
     const HostBones bones = ReadHostBones(mHub);
-    if (selectedOnly && bones.selection.isEmpty())
-    {
-        ShowError(tr("Match Error"),
-                  tr("You must select at least one bone in the skeleton\nbefore you can use a mapping template."));
-        return -1;
-    }
     const QStringList offered = selectedOnly ? NameMatcher::SelectedBones(bones.scene, bones.selection)
                                              : NameMatcher::BonesWithPrefix(bones.scene, prefix);
     return mModel->ApplyTemplate(mappingTemplate, NameMatcher::MatchType(matchType), offered,
@@ -207,7 +201,6 @@ bool CharacterTool::CanExtractTemplate()
         return false;
     }
     const QString directory = mBridge->GetTemplateDirectory();
-    QDir().mkpath(directory);
     const QFileInfo folder(directory);
     if (!folder.isDir())
     {
@@ -249,7 +242,7 @@ bool CharacterTool::ShowExtractTemplate()
     const TemplateLibrary library = mModel->GetTemplateLibrary();
     SaveTemplateDialog dialog(library, DefaultTemplateName(current), mModel->CommonBonePrefix(MappedBones(current)),
                               this);
-    if (dialog.exec() != QDialog::Accepted)
+    if (ExecDialog(dialog) != QDialog::Accepted)
         return false;
     return SaveTemplate(dialog.GetTemplateName(), dialog.GetPrefix());
 }
@@ -288,7 +281,7 @@ bool CharacterTool::ShowConfigMirror()
     if (mModel == nullptr || mBatchMode)
         return false;
     ConfigMirrorDialog dialog(mBridge->GetConfiguration().Document(), this);
-    if (dialog.exec() != QDialog::Accepted)
+    if (ExecDialog(dialog) != QDialog::Accepted)
         return false;
     SaveConfiguration();
     mModel->ReloadMirrorPairs();

@@ -69,11 +69,11 @@ CharacterizationModel::CharacterizationModel(ResourceBridge* bridge, IDCCHub* hu
     , mHub(hub)
     , mBridge(bridge)
     , mTimer(new QTimer(this))
-    , mLastOperation(tr("No previous operation."))
     , mRules(std::make_unique<ValidationRun>())
 {
     // A working characterization the host has not been told about: the host's own list replaces it.
     mCharacterizations.push_back(std::make_shared<Characterization>(Characterization::DefaultName()));
+    mPlaceholder = mCharacterizations.front().get();
     mCurrent = 0;
     ReloadMirrorPairs();
     if (mHub == nullptr)
@@ -145,6 +145,11 @@ QString CharacterizationModel::NextCharacterizationName() const
     return name;
 }
 
+bool CharacterizationModel::IsCreated(const Characterization* characterization) const
+{
+    return characterization != nullptr && characterization != mPlaceholder;
+}
+
 std::shared_ptr<Characterization> CharacterizationModel::CreateCharacterization(const QString& name)
 {
     if (name.isEmpty() || IndexOf(name) >= 0)
@@ -164,6 +169,9 @@ void CharacterizationModel::RemoveAt(int index)
 {
     const std::shared_ptr<Characterization> removed = mCharacterizations[index];
     mCharacterizations.erase(mCharacterizations.begin() + index);
+    if (removed.get() == mPlaceholder)
+        mPlaceholder = nullptr;
+    mLastOperations.remove(removed.get());
     if (index == mCurrent)
         mCurrent = -1;
     else if (index < mCurrent)
@@ -194,8 +202,14 @@ void CharacterizationModel::RestoreCurrent(const Characterization* previous)
         SetCurrentCharacterization(0);
         return;
     }
-    mCurrent = index;
-    Notify();
+    if (index == mCurrent)
+    {
+        Notify();
+        return;
+    }
+    // Its findings went when another one became current.
+    MakeCurrent(index);
+    RunValidation(true);
 }
 
 bool CharacterizationModel::DeleteCharacterization(int index)
@@ -227,6 +241,8 @@ void CharacterizationModel::SyncCharacterizationList(const QStringList& names)
     for (const QString& name : wanted)
     {
         std::shared_ptr<Characterization> characterization = FindCharacterization(name);
+        if (characterization.get() == mPlaceholder)
+            mPlaceholder = nullptr; // the host has a character of that name
         if (!characterization)
         {
             characterization = std::make_shared<Characterization>(name);
@@ -255,9 +271,9 @@ bool CharacterizationModel::ReplaceCurrentContent(const Characterization& conten
 
 bool CharacterizationModel::ImportIntoCurrent(const Characterization& content)
 {
-    if (!IsEditable())
-        return false;
     const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
+    if (!current)
+        return false;
     for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
     {
         if (current->IsAssigned(nodeId))
@@ -266,7 +282,7 @@ bool CharacterizationModel::ImportIntoCurrent(const Characterization& content)
     for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
     {
         if (content.IsAssigned(nodeId))
-            Attach(nodeId, content.GetBone(nodeId));
+            Attach(*current, nodeId, content.GetBone(nodeId));
     }
     for (int limb = 0; limb < ZELLimbCount; ++limb)
     {
@@ -299,7 +315,8 @@ bool CharacterizationModel::AssignBone(int nodeId, const QString& bone)
 
 bool CharacterizationModel::AssignBones(const std::vector<Assignment>& assignments)
 {
-    if (!IsEditable())
+    const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
+    if (!current)
         return false;
     bool changed = false;
     for (const Assignment& assignment : assignments)
@@ -307,9 +324,9 @@ bool CharacterizationModel::AssignBones(const std::vector<Assignment>& assignmen
         if (!BoneCatalogue::IsValidNode(assignment.first))
             continue;
         if (assignment.second.isEmpty())
-            Detach(*GetCurrentCharacterization(), assignment.first, false);
+            Detach(*current, assignment.first, false);
         else
-            Attach(assignment.first, assignment.second);
+            Attach(*current, assignment.first, assignment.second);
         changed = true;
     }
     if (changed)
@@ -317,26 +334,42 @@ bool CharacterizationModel::AssignBones(const std::vector<Assignment>& assignmen
     return changed;
 }
 
+bool CharacterizationModel::AssignCharacterizationBone(const QString& characterizationName, int nodeId,
+                                                       const QString& bone)
+{
+    const std::shared_ptr<Characterization> target = FindCharacterization(characterizationName);
+    if (!target || !BoneCatalogue::IsValidNode(nodeId))
+        return false;
+    if (bone.isEmpty())
+        Detach(*target, nodeId, false);
+    else
+        Attach(*target, nodeId, bone);
+    if (target == GetCurrentCharacterization())
+        Update();
+    return true;
+}
+
 bool CharacterizationModel::ClearNode(int nodeId)
 {
-    if (!IsEditable() || !BoneCatalogue::IsValidNode(nodeId))
+    const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
+    if (!current || !BoneCatalogue::IsValidNode(nodeId))
         return false;
-    Detach(*GetCurrentCharacterization(), nodeId, false);
+    Detach(*current, nodeId, false);
     Update();
     return true;
 }
 
 bool CharacterizationModel::ClearNodes(const std::vector<int>& nodeIds)
 {
-    if (!IsEditable())
-        return false;
     const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
+    if (!current)
+        return false;
     for (int nodeId : nodeIds)
     {
         if (BoneCatalogue::IsValidNode(nodeId))
             Detach(*current, nodeId, false);
     }
-    mLastOperation = tr("Cleared one or more nodes.");
+    mLastOperations[current.get()] = tr("Cleared one or more nodes.");
     Update();
     return true;
 }
@@ -369,9 +402,10 @@ bool CharacterizationModel::IsInverted(int invertibleBone) const
 
 bool CharacterizationModel::SetInverted(int invertibleBone, bool inverted)
 {
-    if (!IsEditable() || !IsInvertibleBone(invertibleBone))
+    const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
+    if (!current || !IsInvertibleBone(invertibleBone))
         return false;
-    GetCurrentCharacterization()->SetInverted(invertibleBone, inverted);
+    current->SetInverted(invertibleBone, inverted);
     if (mHub != nullptr)
         mHub->UpdateDccBoneInvertedState(invertibleBone, inverted);
     Update();
@@ -391,6 +425,11 @@ std::string CharacterizationModel::GetNodeMessage(int nodeId) const
 void CharacterizationModel::Validate()
 {
     RunValidation(true);
+}
+
+QString CharacterizationModel::GetLastOperationText() const
+{
+    return mLastOperations.value(GetCurrentCharacterization().get(), tr("No previous operation."));
 }
 
 bool CharacterizationModel::IsLocked() const
@@ -418,11 +457,12 @@ void CharacterizationModel::SetEditedPart(int nodeId, bool picked)
 void CharacterizationModel::RenameBone(const QString& newName, const QString& oldName)
 {
     const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
-    if (!current || current->IsLocked() || oldName.isEmpty() || newName.isEmpty())
+    if (!current || current->IsLocked())
         return;
+    // An unassigned node holds no bone, not one with an empty name.
     for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
     {
-        if (current->GetBone(nodeId) == oldName)
+        if (current->IsAssigned(nodeId) && current->GetBone(nodeId) == oldName)
             current->SetBone(nodeId, newName);
     }
     Update();
@@ -432,28 +472,38 @@ void CharacterizationModel::RemoveBone(const QString& Name)
 {
     if (Name.isEmpty())
         return;
+    const std::shared_ptr<Characterization> previous = GetCurrentCharacterization();
     const CharacterizationList all = mCharacterizations; // host calls below may change the list
     for (const auto& characterization : all)
     {
-        if (characterization->FindNode(Name) < 0)
+        const int index = IndexOf(characterization.get());
+        if (index < 0)
             continue;
-        SetLockedState(*characterization, false);
-        for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
+        MakeCurrent(index);
+        if (characterization->FindNode(Name) >= 0)
         {
-            if (characterization->GetBone(nodeId) == Name)
-                Detach(*characterization, nodeId, true);
+            SetLockedState(*characterization, false);
+            for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
+            {
+                if (characterization->GetBone(nodeId) == Name)
+                    Detach(*characterization, nodeId, true);
+            }
         }
+        // The update step; a locked characterization, which it would only announce, is validated as well: its
+        // findings went when it became current.
+        RunValidation(true);
     }
-    Update();
+    RestoreCurrent(previous.get());
 }
 
 void CharacterizationModel::RemoveCharacterizationNode(const QString& name)
 {
     const std::shared_ptr<Characterization> previous = GetCurrentCharacterization();
-    for (int i = static_cast<int>(mCharacterizations.size()) - 1; i >= 0; --i)
+    for (int index = IndexOf(name); index >= 0; index = IndexOf(name))
     {
-        if (mCharacterizations[i]->GetName() == name)
-            RemoveAt(i);
+        MakeCurrent(index);
+        Notify();
+        RemoveAt(index);
     }
     RestoreCurrent(previous.get());
     if (mHub != nullptr)
@@ -471,12 +521,12 @@ void CharacterizationModel::RenameCharacterization(const QString& newName, const
 
 void CharacterizationModel::ClearAll()
 {
-    if (!IsEditable())
-        return;
     const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
+    if (!current)
+        return;
     for (int nodeId = 0; nodeId < ZELNodeCount; ++nodeId)
         Detach(*current, nodeId, false);
-    mLastOperation = tr("Cleared all nodes.");
+    mLastOperations[current.get()] = tr("Cleared all nodes.");
     Update();
 }
 
@@ -509,7 +559,7 @@ void CharacterizationModel::SetEditMode(bool readOnly, std::vector<int> unsyncNo
             Detach(*current, nodeId, false);
     }
     if (!unsyncNodeToClear.empty())
-        mLastOperation = tr("Cleared one or more nodes.");
+        mLastOperations[current.get()] = tr("Cleared one or more nodes.");
     SetLockedState(*current, readOnly);
     RunValidation(true);
 }
@@ -535,6 +585,14 @@ void CharacterizationModel::FollowReferencePose()
     RunValidation(true);
 }
 
+void CharacterizationModel::MakeCurrent(int index)
+{
+    if (index == mCurrent)
+        return;
+    mCurrent = index;
+    ResetFindings();
+}
+
 void CharacterizationModel::SetMark(int nodeId, int32_t mark)
 {
     mMarks[nodeId] = mark;
@@ -550,21 +608,21 @@ void CharacterizationModel::SetLockedState(Characterization& characterization, b
         emit EditedPartChanged(mEditedPart, mEditedPart, !locked);
 }
 
-void CharacterizationModel::Attach(int nodeId, const QString& bone)
+void CharacterizationModel::Attach(Characterization& characterization, int nodeId, const QString& bone)
 {
     BusyScope busy(*this);
-    const std::shared_ptr<Characterization> current = GetCurrentCharacterization();
-    const QString previous = current->GetBone(nodeId);
+    const QString previous = characterization.GetBone(nodeId);
     if (!previous.isEmpty() && mHub != nullptr)
         mHub->DetachHostBone(previous);
-    current->SetBone(nodeId, QString()); // the previous bone's geometry and flags go with it
-    current->SetBone(nodeId, bone);
-    SetMark(nodeId, Valid);
+    characterization.SetBone(nodeId, QString()); // the previous bone's geometry and flags go with it
+    characterization.SetBone(nodeId, bone);
+    if (&characterization == GetCurrentCharacterization().get())
+        SetMark(nodeId, Valid);
     if (mHub != nullptr)
         mHub->AttachHostBone(bone);
-    mLastOperation = QStringLiteral("%1%2").arg(tr("Assigned node: "), bone);
+    mLastOperations[&characterization] = QStringLiteral("%1%2").arg(tr("Assigned node: "), bone);
     if (mHub != nullptr)
-        mHub->UpdateDccCharacterSkeleton(previous, bone, current->GetName(), nodeId, false);
+        mHub->UpdateDccCharacterSkeleton(previous, bone, characterization.GetName(), nodeId, false);
 }
 
 void CharacterizationModel::Detach(Characterization& characterization, int nodeId, bool fromHost)
@@ -575,7 +633,7 @@ void CharacterizationModel::Detach(Characterization& characterization, int nodeI
     {
         if (mHub != nullptr)
             mHub->DetachHostBone(previous);
-        mLastOperation = QStringLiteral("%1%2").arg(tr("Unregistered node: "), previous);
+        mLastOperations[&characterization] = QStringLiteral("%1%2").arg(tr("Unregistered node: "), previous);
     }
     characterization.SetBone(nodeId, QString());
     if (&characterization == GetCurrentCharacterization().get())

@@ -11,6 +11,7 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPainter>
 #include <QProcess>
 #include <QUrl>
 
@@ -67,7 +68,9 @@ void ClipTreeWidget::LoadDirectories()
 {
     mDirectories.clear();
     const ConfigDocument& document = mBridge.GetConfiguration().Document();
-    for (const QStringList& row : document.ReadTable(ClipSection, ClipKey, {PathAttribute}))
+    // Our earlier versions kept the directories as items of one entry; they are taken up too.
+    for (const QStringList& row : document.ReadEntries(ClipSection, ClipKey, {PathAttribute}) +
+                                      document.ReadTable(ClipSection, ClipKey, {PathAttribute}))
     {
         if (!row.front().isEmpty() && !mDirectories.contains(row.front()))
             mDirectories.append(row.front());
@@ -79,7 +82,7 @@ bool ClipTreeWidget::StoreDirectories()
     QList<QStringList> rows;
     for (const QString& directory : mDirectories)
         rows.append({directory});
-    mBridge.GetConfiguration().Document().WriteTable(ClipSection, ClipKey, {PathAttribute}, rows);
+    mBridge.GetConfiguration().Document().WriteEntries(ClipSection, ClipKey, {PathAttribute}, rows);
     QString error;
     if (mBridge.SaveConfiguration(&error))
         return true;
@@ -169,6 +172,14 @@ void ClipTreeWidget::RemoveDirectory()
     const int index = CurrentDirectoryIndex();
     if (index < 0 || index >= mDirectories.size())
         return;
+    const QTreeWidgetItem* row = currentItem();
+    if (row->parent() != nullptr &&
+        QMessageBox::question(this, tr("Remove Clip Directory"),
+                              tr("%1 is a clip of the directory %2.\nRemove the whole directory from the list? Its "
+                                 "files stay where they are.")
+                                  .arg(row->text(0), QDir::toNativeSeparators(mDirectories[index])),
+                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
+        return;
     mDirectories.removeAt(index);
     StoreDirectories();
     delete takeTopLevelItem(index);
@@ -190,13 +201,28 @@ void ClipTreeWidget::ShowExplorer()
                              tr("No file manager could be started to show %1.").arg(QDir::toNativeSeparators(path)));
 }
 
+QString ClipTreeWidget::ExplorerArgument(const QString& path)
+{
+    QString native = path;
+    native.replace(QLatin1Char('/'), QLatin1Char('\\'));
+    return QStringLiteral("/select,%1").arg(native);
+}
+
 bool ClipTreeWidget::RevealInFileManager(const QString& path)
 {
+#ifdef Q_OS_WIN
+    // The argument goes to the file manager as it is: Qt's quoting would break its "/select," syntax.
+    QProcess explorer;
+    explorer.setProgram(QStringLiteral("explorer"));
+    explorer.setNativeArguments(ExplorerArgument(path));
+    return explorer.startDetached();
+#else
     if (ShowItemsOverDBus(path))
         return true;
     const QFileInfo info(path);
     const QString folder = info.isDir() ? info.absoluteFilePath() : info.absolutePath();
     return QProcess::startDetached(QStringLiteral("xdg-open"), {folder});
+#endif
 }
 
 std::unique_ptr<QMenu> ClipTreeWidget::CreateContextMenu()
@@ -210,6 +236,24 @@ std::unique_ptr<QMenu> ClipTreeWidget::CreateContextMenu()
     remove->setEnabled(onRow);
     menu->addAction(tr("Explore..."), this, &ClipTreeWidget::ShowExplorer)->setEnabled(onRow);
     return menu;
+}
+
+QString ClipTreeWidget::GetEmptyText()
+{
+    return tr("No clip directories yet.\nRight-click here and choose \"Add Clip Directory...\" to list the clips "
+              "of a directory.");
+}
+
+void ClipTreeWidget::paintEvent(QPaintEvent* event)
+{
+    QTreeWidget::paintEvent(event);
+    if (topLevelItemCount() > 0)
+        return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::Text));
+    const int margin = fontMetrics().height();
+    painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, GetEmptyText());
 }
 
 void ClipTreeWidget::contextMenuEvent(QContextMenuEvent* event)

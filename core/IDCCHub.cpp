@@ -120,19 +120,7 @@ bool IDCCHub::AssignCharacterBone(const QString& characterName, int nodeId, cons
         return false;
     if (refresh)
         model->CheckGeometry();
-    const std::shared_ptr<Characterization> characterization = model->FindCharacterization(characterName);
-    if (!characterization || !BoneCatalogue::IsValidNode(nodeId))
-        return false;
-    const QString previous = characterization->GetBone(nodeId);
-    if (!previous.isEmpty())
-        DetachHostBone(previous);
-    characterization->SetBone(nodeId, QString());
-    if (!bone.isEmpty())
-    {
-        characterization->SetBone(nodeId, bone);
-        AttachHostBone(bone);
-    }
-    return true;
+    return model->AssignCharacterizationBone(characterName, nodeId, bone);
 }
 
 bool IDCCHub::GetNodeAssignedToCharacterBone(const QString& characterName, int nodeId, QString& bone) const
@@ -294,8 +282,9 @@ QString IDCCHub::GetCurrentCharacterNodeName() const
     const CharacterizationModel* model = Model();
     if (model == nullptr)
         return QString();
+    // A characterization the host has not created has no node of its own yet: it goes by the default name.
     const std::shared_ptr<Characterization> current = model->GetCurrentCharacterization();
-    if (current && !current->GetName().isEmpty())
+    if (current && model->IsCreated(current.get()) && !current->GetName().isEmpty())
         return current->GetName();
     return GetDefaultCharacterNodeName();
 }

@@ -18,6 +18,8 @@ ResourceBridge::ResourceBridge(const QDir& dataDirectory, const QDir& configurat
     , mPictures(std::make_unique<PictureCache>())
     , mConfiguration(std::make_unique<UserConfiguration>(mConfigurationFile))
 {
+    // Set up once for the user; a folder that goes missing later is reported when a template is extracted.
+    QDir().mkpath(GetTemplateDirectory());
 }
 
 ResourceBridge::~ResourceBridge() = default;

@@ -149,6 +149,14 @@ private:
         const QXmlStreamAttributes attributes = mReader.attributes();
         child.hasValue = attributes.hasAttribute(ValueAttribute);
         child.value = attributes.value(ValueAttribute).toString();
+        QXmlStreamAttributes others;
+        for (const QXmlStreamAttribute& attribute : attributes)
+        {
+            if (attribute.qualifiedName() != ValueAttribute)
+                others.append(attribute);
+        }
+        if (!others.isEmpty() && !child.attributes.Append(others))
+            mReader.raiseError(Tr("\"%1\" carries more than %2 attributes.").arg(child.name).arg(ItemTable::MaxColumns));
         mStack.push_back(&child);
     }
 
@@ -165,6 +173,10 @@ void WriteElement(QXmlStreamWriter& writer, const KeyedElement& element)
     writer.writeStartElement(element.name);
     if (element.hasValue)
         writer.writeAttribute(ValueAttribute, element.value);
+    const ItemTable& own = element.attributes;
+    for (int column = 0; column < own.Columns().size(); ++column)
+        if (own.HasCell(0, column))
+            writer.writeAttribute(own.Columns()[column], own.Cell(0, column).toString());
     const ItemTable& items = element.items;
     for (int item = 0; item < items.Count(); ++item)
     {
@@ -199,7 +211,8 @@ struct ConfigDocument::Data
         return parent ? parent->Child(key) : nullptr;
     }
 
-    KeyedElement& ReplaceKey(const QString& section, const QString& key)
+    // Made when missing.
+    KeyedElement& Section(const QString& section)
     {
         KeyedElement* parent = section.isEmpty() ? &root : root.Child(section);
         if (!parent)
@@ -208,11 +221,22 @@ struct ConfigDocument::Data
             parent = &root.children.back();
             parent->name = section;
         }
-        parent->RemoveChildren(key);
-        parent->children.emplace_back();
-        parent->children.back().name = key;
+        return *parent;
+    }
+
+    KeyedElement& AppendKey(KeyedElement& parent, const QString& key)
+    {
+        parent.children.emplace_back();
+        parent.children.back().name = key;
         modified = true;
-        return parent->children.back();
+        return parent.children.back();
+    }
+
+    KeyedElement& ReplaceKey(const QString& section, const QString& key)
+    {
+        KeyedElement& parent = Section(section);
+        parent.RemoveChildren(key);
+        return AppendKey(parent, key);
     }
 };
 
@@ -444,6 +468,26 @@ QList<QStringList> ConfigDocument::ReadTable(const QString& section, const QStri
     return rows;
 }
 
+QList<QStringList> ConfigDocument::ReadEntries(const QString& section, const QString& key,
+                                               const QStringList& attributes) const
+{
+    QList<QStringList> rows;
+    const KeyedElement* parent = section.isEmpty() ? &d->root : d->root.Child(section);
+    if (!parent)
+        return rows;
+    for (const KeyedElement& child : parent->children)
+    {
+        if (child.name != key)
+            continue;
+        QStringList row;
+        row.reserve(attributes.size());
+        for (const QString& attribute : attributes)
+            row.append(attribute == ValueAttribute ? child.value : child.attributes.Cell(0, attribute).toString());
+        rows.append(row);
+    }
+    return rows;
+}
+
 bool ConfigDocument::IsValidName(const QString& name)
 {
     if (name.isEmpty() || !(name[0].isLetter() || name[0] == QLatin1Char('_')))
@@ -486,17 +530,55 @@ bool ConfigDocument::WritePairs(const QString& section, const QString& key, cons
     return WriteTable(section, key, {KeyAttribute, ValueAttribute}, rows);
 }
 
-bool ConfigDocument::WriteTable(const QString& section, const QString& key, const QStringList& attributes,
-                                const QList<QStringList>& rows)
+bool ConfigDocument::CanWriteTable(const QString& section, const QString& key, const QStringList& attributes,
+                                   const QList<QStringList>& rows)
 {
     if ((!section.isEmpty() && !IsValidName(section)) || !IsValidName(key))
         return false;
     QStringList distinct = attributes;
     if (!std::all_of(attributes.begin(), attributes.end(), IsValidName) || distinct.removeDuplicates() > 0)
         return false;
-    if (!std::all_of(rows.begin(), rows.end(), [](const QStringList& row) { return IsXmlText(row); }))
+    return std::all_of(rows.begin(), rows.end(), [](const QStringList& row) { return IsXmlText(row); });
+}
+
+bool ConfigDocument::WriteTable(const QString& section, const QString& key, const QStringList& attributes,
+                                const QList<QStringList>& rows)
+{
+    if (!CanWriteTable(section, key, attributes, rows))
         return false;
     d->ReplaceKey(section, key).items.Assign(attributes, rows);
+    return true;
+}
+
+bool ConfigDocument::WriteEntries(const QString& section, const QString& key, const QStringList& attributes,
+                                  const QList<QStringList>& rows)
+{
+    if (!CanWriteTable(section, key, attributes, rows))
+        return false;
+    KeyedElement& parent = d->Section(section);
+    parent.RemoveChildren(key);
+    d->modified = true;
+    const int valueColumn = attributes.indexOf(ValueAttribute);
+    QStringList others = attributes;
+    others.removeAll(ValueAttribute);
+    for (const QStringList& row : rows)
+    {
+        KeyedElement& entry = d->AppendKey(parent, key);
+        QStringList cells;
+        for (int column = 0; column < attributes.size(); ++column)
+        {
+            const QString cell = row.value(column);
+            if (column == valueColumn)
+            {
+                entry.hasValue = true;
+                entry.value = cell;
+            }
+            else
+                cells.append(cell);
+        }
+        if (!others.isEmpty())
+            entry.attributes.Assign(others, {cells});
+    }
     return true;
 }
 

@@ -55,6 +55,8 @@ struct KeyedElement
     QString name;
     QString value;
     bool hasValue = false;
+    // Its other attributes, as one row (none when it has no others).
+    ItemTable attributes;
     ItemTable items;
     std::vector<KeyedElement> children;
 

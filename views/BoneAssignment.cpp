@@ -8,6 +8,8 @@
 #include <zelkin/CharacterizationModel.h>
 #include <zelkin/IDCCHub.h>
 
+#include "DialogParent.h"
+
 namespace
 {
 QString NodeName(int nodeId)
@@ -16,8 +18,8 @@ QString NodeName(int nodeId)
 }
 } // namespace
 
-BoneAssignment::BoneAssignment(QWidget* dialogParent, IDCCHub* hub, CharacterizationModel* model)
-    : mParent(dialogParent)
+BoneAssignment::BoneAssignment(QWidget* view, IDCCHub* hub, CharacterizationModel* model)
+    : mView(view)
     , mHub(hub)
     , mModel(model)
 {
@@ -40,12 +42,12 @@ bool BoneAssignment::ConfirmEditable() const
     case Editable:
         return true;
     case NotCreated:
-        QMessageBox::warning(mParent, tr("Characterization Not Created"),
+        QMessageBox::warning(DialogParent(mView), tr("Characterization Not Created"),
                              tr("You must create a new characterization before you can edit its bone mappings."),
                              QMessageBox::Ok);
         return false;
     case Locked:
-        QMessageBox::warning(mParent, tr("Characterization Locked"),
+        QMessageBox::warning(DialogParent(mView), tr("Characterization Locked"),
                              tr("The current characterization is locked.\nYou must unlock it before you can edit its "
                                 "bone mappings."),
                              QMessageBox::Ok);
@@ -100,7 +102,7 @@ bool BoneAssignment::AssignOne(int nodeId, const QString& bone, bool mirrored)
 bool BoneAssignment::Ask(const QString& title, const QString& text, int yes, int no) const
 {
     const auto buttons = QMessageBox::StandardButtons(yes | no);
-    return QMessageBox::question(mParent, title, text, buttons, QMessageBox::StandardButton(yes)) == yes;
+    return QMessageBox::question(DialogParent(mView), title, text, buttons, QMessageBox::StandardButton(yes)) == yes;
 }
 
 bool BoneAssignment::ApplyEnteredName(int nodeId, const QString& text)
@@ -112,8 +114,8 @@ bool BoneAssignment::ApplyEnteredName(int nodeId, const QString& text)
         return !mModel->GetAssignedBone(nodeId).isEmpty() && mModel->ClearNode(nodeId);
     if (mHub != nullptr && !mHub->BoneExists(bone))
     {
-        QMessageBox::warning(mParent, tr("Unknown Bone"), tr("There is no bone \"%1\" in the scene.").arg(bone),
-                             QMessageBox::Ok);
+        QMessageBox::warning(DialogParent(mView), tr("Unknown Bone"),
+                             tr("There is no bone \"%1\" in the scene.").arg(bone), QMessageBox::Ok);
         return false;
     }
     return Assign(nodeId, bone);

@@ -24,8 +24,8 @@ public:
         Locked
     };
 
-    // Message boxes open over dialogParent. The hub may be null (no host: nothing to ask it).
-    BoneAssignment(QWidget* dialogParent, IDCCHub* hub, CharacterizationModel* model);
+    // Message boxes open over the view's window (see DialogParent). The hub may be null (no host: nothing to ask it).
+    BoneAssignment(QWidget* view, IDCCHub* hub, CharacterizationModel* model);
 
     // The keyword pairs mirror mode uses; until set, only "Right"/"Left" names mirror.
     void SetMirrorMatcher(const MirrorMatcher& matcher) { mMirror = matcher; }
@@ -51,7 +51,7 @@ private:
     bool AssignOne(int nodeId, const QString& bone, bool mirrored);
     bool Ask(const QString& title, const QString& text, int yes, int no) const;
 
-    QWidget* mParent;
+    QWidget* mView;
     IDCCHub* mHub;
     CharacterizationModel* mModel;
     MirrorMatcher mMirror;

@@ -50,3 +50,9 @@ void BoneCellDelegate::setModelData(QWidget* editor, QAbstractItemModel*, const 
     if (line != nullptr && nodeId != BoneCatalogue::NoNode && line->text() != index.data(Qt::DisplayRole).toString())
         emit BoneEntered(nodeId, line->text());
 }
+
+void BoneCellDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const
+{
+    QStyledItemDelegate::initStyleOption(option, index);
+    option->textElideMode = Qt::ElideLeft;
+}

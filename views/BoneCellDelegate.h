@@ -24,6 +24,10 @@ public:
     void setEditorData(QWidget* editor, const QModelIndex& index) const override;
     void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override;
 
+protected:
+    // Bone names differ at their ends, not in their namespaces: a name too long for its cell loses its front.
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
+
 signals:
     // Connect it queued: whoever acts on it may open message boxes, which must not happen while the editor closes.
     void BoneEntered(int nodeId, const QString& text) const;

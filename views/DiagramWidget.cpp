@@ -11,13 +11,16 @@
 #include <zelkin/CharacterTool.h>
 #include <zelkin/CharacterizationModel.h>
 #include <zelkin/IDCCHub.h>
+#include <zelkin/ResourceBridge.h>
 
 #include "CompleterWidget.h"
+#include "DialogParent.h"
 #include "FigureLayout.h"
 #include "HoverAdapter.h"
 #include "InversionItem.h"
 #include "PartItem.h"
 #include "PictureCache.h"
+#include "ReadablePalette.h"
 #include "ViewConnections.h"
 
 namespace
@@ -42,10 +45,11 @@ bool IsHinge(int nodeId)
 const std::vector<PartItem*> NoArrows;
 } // namespace
 
-DiagramWidget::DiagramWidget(QWidget* parent, PictureCache* pictures, IDCCHub* hub, CharacterizationModel* model,
+DiagramWidget::DiagramWidget(QWidget* parent, ResourceBridge* bridge, IDCCHub* hub, CharacterizationModel* model,
                              CharacterTool* tool)
     : QGraphicsView(parent)
-    , mPictures(pictures)
+    , mOwnPictures(bridge == nullptr ? std::make_unique<PictureCache>() : nullptr)
+    , mPictures(bridge != nullptr ? &bridge->GetPictures() : mOwnPictures.get())
     , mHub(hub)
     , mModel(model)
     , mAssignment(this, hub, model)
@@ -356,7 +360,8 @@ std::unique_ptr<QMenu> DiagramWidget::CreateContextMenu(PartItem* underCursor)
     const bool node = item && !IsNonNodeItem(underCursor);
     const int invertible = BoneAssignment::InvertibleBoneOf(MenuNode());
 
-    auto menu = std::make_unique<QMenu>(this);
+    auto menu = std::make_unique<QMenu>(DialogParent(this));
+    menu->setPalette(ReadablePalette(menu->palette()));
     menu->addAction(tr("Assign Selected Bone"), this, SLOT(AssignSelection()))
         ->setEnabled(!HostSelection().isEmpty() && node && editable);
     menu->addAction(tr("Change Assigned Bone..."), this, SLOT(ShowAutoCompletion()))->setEnabled(node && editable);
@@ -392,7 +397,7 @@ void DiagramWidget::ShowAutoCompletion()
     if (mMenuItem == nullptr || IsNonNodeItem(mMenuItem) || !mAssignment.ConfirmEditable())
         return;
     const int nodeId = MenuNode();
-    CompleterWidget completer(this, mHub, mModel, nodeId);
+    CompleterWidget completer(DialogParent(this), mHub, mModel, nodeId);
     if (completer.exec() == QDialog::Accepted)
         mAssignment.ApplyEnteredName(nodeId, completer.GetText());
 }

@@ -20,6 +20,7 @@ class PartItem;
 class PictureCache;
 class QGraphicsPixmapItem;
 class QMenu;
+class ResourceBridge;
 
 // The "Figure" page: a schematic body split into seventeen views, one shown at a time. Each node is a part whose
 // picture tells its state; clicking a part edits its node, arrows move between the views.
@@ -28,8 +29,9 @@ class ZELKIN_CHARACTERIZATION_EXPORT DiagramWidget : public QGraphicsView
     Q_OBJECT
 
 public:
-    // The pictures must outlive the widget; hub, model and tool may be null.
-    DiagramWidget(QWidget* parent, PictureCache* pictures, IDCCHub* hub, CharacterizationModel* model,
+    // The bridge (whose pictures the figure draws) must outlive the widget. Without one the widget loads the
+    // pictures itself; hub, model and tool may be null too.
+    DiagramWidget(QWidget* parent, ResourceBridge* bridge, IDCCHub* hub, CharacterizationModel* model,
                   CharacterTool* tool);
     ~DiagramWidget() override;
 
@@ -90,6 +92,7 @@ private:
     int MenuNode() const;
     QStringList HostSelection() const;
 
+    std::unique_ptr<PictureCache> mOwnPictures;
     PictureCache* mPictures;
     IDCCHub* mHub;
     CharacterizationModel* mModel;

@@ -2,6 +2,6 @@
 
 void LineEditWithMouseBroadcast::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    QLineEdit::mouseDoubleClickEvent(event);
+    ElidedLineEdit::mouseDoubleClickEvent(event);
     emit mouseDoubleClickSent(event);
 }

@@ -1,12 +1,15 @@
 #include "NameMatchWidget.h"
 
 #include <algorithm>
+#include <cstdlib>
 
+#include <QHash>
 #include <QHeaderView>
 #include <QIcon>
 #include <QMenu>
 #include <QMetaObject>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPixmap>
 #include <QTreeWidgetItem>
 #include <QVBoxLayout>
@@ -14,11 +17,14 @@
 #include <zelkin/CharacterTool.h>
 #include <zelkin/CharacterizationModel.h>
 #include <zelkin/IDCCHub.h>
+#include <zelkin/ResourceBridge.h>
 
 #include "BoneCellDelegate.h"
 #include "CompleterWidget.h"
+#include "DialogParent.h"
 #include "NameMatchTreeWidget.h"
 #include "PictureCache.h"
+#include "ReadablePalette.h"
 #include "ViewConnections.h"
 
 namespace
@@ -27,7 +33,10 @@ static_assert(NameMatchWidget::NodeRole == BoneCellDelegate::NodeRole, "the dele
 
 // Which bubble a row shows, so an unchanged row is not given its icon again.
 constexpr int BubbleRole = Qt::UserRole + 1;
-constexpr int IconExtent = 32;
+// Group icons are small thumbnails of the figure; a little larger than the bubbles so a hand reads as a hand.
+constexpr int IconExtent = 20;
+// Rows of neighbours kept in sight above and below the row the page moves to.
+constexpr int ContextRows = 3;
 
 // Two rows of four, highlighted first; within a row the error bubble comes first. There is no red highlight: a
 // highlighted row in error shows the green one.
@@ -95,15 +104,59 @@ const std::vector<GroupEntry>& Groups()
     return groups;
 }
 
-// The middle square of a view picture, where its figure stands.
+// The figure of a view picture: every pixel that differs from the background (the colour of its corner), cut to
+// its bounds. Drawn light on a tile of that dark background it reads at icon size, in any theme.
+QImage FigureOutline(const QImage& picture)
+{
+    constexpr int Threshold = 12;
+    const QImage image = picture.convertToFormat(QImage::Format_ARGB32);
+    const int background = qGray(image.pixel(0, 0));
+    QImage outline(image.size(), QImage::Format_ARGB32);
+    outline.fill(Qt::transparent);
+    int left = image.width();
+    int right = -1;
+    int top = image.height();
+    int bottom = -1;
+    for (int y = 0; y < image.height(); ++y)
+    {
+        const QRgb* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        QRgb* out = reinterpret_cast<QRgb*>(outline.scanLine(y));
+        for (int x = 0; x < image.width(); ++x)
+        {
+            if (std::abs(qGray(line[x]) - background) <= Threshold)
+                continue;
+            out[x] = qRgb(225, 225, 225);
+            left = std::min(left, x);
+            right = std::max(right, x);
+            top = std::min(top, y);
+            bottom = std::max(bottom, y);
+        }
+    }
+    return right < left ? QImage() : outline.copy(QRect(QPoint(left, top), QPoint(right, bottom)));
+}
+
 QIcon GroupIcon(PictureCache& pictures, const char* name)
 {
     const QPixmap& picture = pictures.Get(QString::fromLatin1(name));
-    if (picture.isNull())
+    const QImage image = picture.toImage();
+    const QImage outline = image.isNull() ? QImage() : FigureOutline(image);
+    if (outline.isNull())
         return QIcon();
-    const int side = std::min(picture.width(), picture.height());
-    const QRect square((picture.width() - side) / 2, (picture.height() - side) / 2, side, side);
-    return QIcon(picture.copy(square).scaled(IconExtent, IconExtent, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    const qreal ratio = std::max<qreal>(1.0, picture.devicePixelRatio());
+    QPixmap tile(QSize(IconExtent, IconExtent) * ratio);
+    tile.setDevicePixelRatio(ratio);
+    tile.fill(Qt::transparent);
+    QPainter painter(&tile);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(image.pixel(0, 0)));
+    painter.drawRoundedRect(QRectF(0, 0, IconExtent, IconExtent), 3, 3);
+    const QSizeF room(IconExtent - 2, IconExtent - 2);
+    const QSizeF size = QSizeF(outline.size()).scaled(room, Qt::KeepAspectRatio);
+    const QRectF target(QPointF((IconExtent - size.width()) / 2, (IconExtent - size.height()) / 2), size);
+    painter.drawImage(target, outline.scaled((size * ratio).toSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    painter.end();
+    return QIcon(tile);
 }
 
 // The bubble keeps its colour on the current row instead of taking the selection's tint.
@@ -125,11 +178,11 @@ int BubbleColumn(int state)
 const std::vector<QTreeWidgetItem*> NoRows;
 } // namespace
 
-NameMatchWidget::NameMatchWidget(QWidget* parent, IDCCHub* hub, PictureCache* pictures, CharacterizationModel* model,
+NameMatchWidget::NameMatchWidget(QWidget* parent, IDCCHub* hub, ResourceBridge* bridge, CharacterizationModel* model,
                                  CharacterTool* tool)
     : QWidget(parent)
     , mHub(hub)
-    , mPictures(pictures)
+    , mPictures(bridge != nullptr ? &bridge->GetPictures() : nullptr)
     , mModel(model)
     , mTree(new NameMatchTreeWidget(this))
     , mDelegate(new BoneCellDelegate(hub, model, this))
@@ -148,6 +201,8 @@ NameMatchWidget::NameMatchWidget(QWidget* parent, IDCCHub* hub, PictureCache* pi
     connect(mTree, &NameMatchTreeWidget::EditKeyPressed, this,
             [this](QTreeWidgetItem* item) { SetItemEditable(item, BoneColumn); });
     connect(mTree, &NameMatchTreeWidget::DeleteKeyPressed, this, &NameMatchWidget::ClearFromKeyboard);
+    connect(mTree, &QTreeWidget::itemExpanded, mTree, &NameMatchTreeWidget::FitFirstColumn);
+    connect(mTree, &QTreeWidget::itemCollapsed, mTree, &NameMatchTreeWidget::FitFirstColumn);
     // Queued: the answer may open message boxes, which must wait until the cell editor has closed.
     connect(mDelegate, &BoneCellDelegate::BoneEntered, this, &NameMatchWidget::ApplyEnteredBone,
             Qt::QueuedConnection);
@@ -169,17 +224,22 @@ void NameMatchWidget::BuildTree()
     mTree->setSelectionMode(QAbstractItemView::SingleSelection);
     mTree->setUniformRowHeights(true);
     mTree->setAlternatingRowColors(true);
-    mTree->setTextElideMode(Qt::ElideLeft); // bone names differ at their ends, not in their namespaces
-    mTree->header()->setSectionResizeMode(NodeColumn, QHeaderView::ResizeToContents);
-    mTree->header()->setStretchLastSection(true);
+    // Node names tell left from right at their start and apart at their end (the bone column cuts its own).
+    mTree->setTextElideMode(Qt::ElideMiddle);
+    mTree->setIconSize(QSize(IconExtent, IconExtent));
+    mTree->setIndentation(IconExtent * 3 / 5); // four levels deep, the names still need the room
+    mTree->header()->setStretchLastSection(false); // the tree shares its width out itself
+    KeepReadable(*mTree);
 
+    QHash<QString, QIcon> icons; // several groups share a picture
     for (const GroupEntry& entry : Groups())
     {
         QTreeWidgetItem* parent = entry.parent < 0 ? nullptr : mGroups[entry.parent];
         auto* group = parent == nullptr ? new QTreeWidgetItem(mTree) : new QTreeWidgetItem(parent);
         group->setText(NodeColumn, tr(entry.title));
-        if (mPictures != nullptr)
-            group->setIcon(NodeColumn, GroupIcon(*mPictures, entry.picture));
+        if (mPictures != nullptr && !icons.contains(QLatin1String(entry.picture)))
+            icons.insert(QLatin1String(entry.picture), GroupIcon(*mPictures, entry.picture));
+        group->setIcon(NodeColumn, icons.value(QLatin1String(entry.picture)));
         group->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
         for (int nodeId : entry.nodes)
             AddNodeRow(group, nodeId);
@@ -314,9 +374,21 @@ void NameMatchWidget::ChangeEditPart(int, int newNodeId, bool)
         for (QTreeWidgetItem* parent = rows.front()->parent(); parent != nullptr; parent = parent->parent())
             parent->setExpanded(true);
         mTree->setCurrentItem(rows.front(), BoneColumn);
-        mTree->scrollToItem(rows.front());
+        ScrollIntoView(rows.front());
     }
     mFollowing = false;
+}
+
+void NameMatchWidget::ScrollIntoView(QTreeWidgetItem* row)
+{
+    // Through the tree's own scrollTo (scrollToItem would pass it by), which never scrolls sideways.
+    const QModelIndex index = mTree->indexFromItem(row);
+    mTree->scrollTo(index);
+    const QRect shown = mTree->visualItemRect(row);
+    const int context = ContextRows * std::max(1, shown.height());
+    const QRect room = mTree->viewport()->rect();
+    if (shown.top() - context < room.top() || shown.bottom() + context > room.bottom())
+        mTree->scrollTo(index, QAbstractItemView::PositionAtCenter);
 }
 
 void NameMatchWidget::UpdateEditedPart(QTreeWidgetItem* current, QTreeWidgetItem*)
@@ -345,7 +417,7 @@ void NameMatchWidget::ShowAutoCompletion()
     const int nodeId = GetCurrentNode();
     if (!IsNodeRow(mTree->currentItem()) || !mAssignment.ConfirmEditable())
         return;
-    CompleterWidget completer(this, mHub, mModel, nodeId);
+    CompleterWidget completer(DialogParent(this), mHub, mModel, nodeId);
     if (completer.exec() == QDialog::Accepted)
         mAssignment.ApplyEnteredName(nodeId, completer.GetText());
 }
@@ -414,7 +486,8 @@ std::unique_ptr<QMenu> NameMatchWidget::CreateContextMenu()
     const bool nodeRow = IsNodeRow(row);
     const int invertible = nodeRow ? BoneAssignment::InvertibleBoneOf(NodeOfRow(row)) : -1;
 
-    auto menu = std::make_unique<QMenu>(this);
+    auto menu = std::make_unique<QMenu>(DialogParent(this));
+    menu->setPalette(ReadablePalette(menu->palette()));
     menu->addAction(tr("Assign Selected Bone"), this, SLOT(AssignSelection()))
         ->setEnabled(editable && nodeRow && !HostSelection().isEmpty());
     menu->addAction(tr("Change Assigned Bone..."), this, SLOT(ShowAutoCompletion()))->setEnabled(editable && nodeRow);

@@ -21,6 +21,7 @@ class PictureCache;
 class QMenu;
 class QMouseEvent;
 class QTreeWidgetItem;
+class ResourceBridge;
 
 // The "Name Match" page: the mapping as a tree of node groups, one row per node with its host bone and a state
 // bubble. Rows are edited in place or through the context menu; assignment asks the same questions as the figure.
@@ -37,9 +38,9 @@ public:
     // On every cell of a node row: its node identifier. Group rows carry none.
     static constexpr int NodeRole = Qt::UserRole;
 
-    // The pictures must outlive the widget; the tool may be null (the page then cannot switch to the figure itself,
-    // see ViewTabRequested).
-    NameMatchWidget(QWidget* parent, IDCCHub* hub, PictureCache* pictures, CharacterizationModel* model,
+    // The bridge (whose pictures give the icons) must outlive the widget; without one the rows have no icons. The
+    // tool may be null (the page then cannot switch to the figure itself, see ViewTabRequested).
+    NameMatchWidget(QWidget* parent, IDCCHub* hub, ResourceBridge* bridge, CharacterizationModel* model,
                     CharacterTool* tool);
     ~NameMatchWidget() override;
 
@@ -89,6 +90,8 @@ private:
     void UpdateRow(QTreeWidgetItem* row, const QStringList& hostSelection);
     QStringList HostSelection() const;
     bool IsNodeRow(const QTreeWidgetItem* row) const;
+    // Brings the row into sight with a few of its neighbours above and below.
+    void ScrollIntoView(QTreeWidgetItem* row);
 
     IDCCHub* mHub;
     PictureCache* mPictures;

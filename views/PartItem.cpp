@@ -6,6 +6,7 @@
 #include <QToolTip>
 
 #include "FigureLayout.h"
+#include "DialogParent.h"
 #include "HoverAdapter.h"
 #include "PictureCache.h"
 
@@ -128,7 +129,7 @@ void PartItem::hoverEnterEvent(QGraphicsSceneHoverEvent* event)
     if (scene() && !scene()->views().isEmpty()) {
         QGraphicsView* view = scene()->views().first();
         const QPointF below = scenePos() + QPointF(0, boundingRect().height() / 2);
-        QToolTip::showText(view->viewport()->mapToGlobal(view->mapFromScene(below)), mToolTip, view);
+        QToolTip::showText(view->viewport()->mapToGlobal(view->mapFromScene(below)), mToolTip, DialogParent(view));
     }
     QGraphicsItem::hoverEnterEvent(event);
     if (mHover)
@@ -137,6 +138,7 @@ void PartItem::hoverEnterEvent(QGraphicsSceneHoverEvent* event)
 
 void PartItem::hoverLeaveEvent(QGraphicsSceneHoverEvent* event)
 {
+    QToolTip::hideText();
     QGraphicsItem::hoverLeaveEvent(event);
     if (mHover)
         mHover->Report(this, false);

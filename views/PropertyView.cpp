@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include <QApplication>
+#include <QEvent>
 #include <QFont>
 #include <QGridLayout>
 #include <QLabel>
@@ -14,7 +16,9 @@
 #include <zelkin/IDCCHub.h>
 #include <zelkin/RotationConversion.h>
 
+#include "ElidedLineEdit.h"
 #include "LineEditWithMouseBroadcast.h"
+#include "ReadablePalette.h"
 
 namespace
 {
@@ -56,17 +60,22 @@ PropertyView::PropertyView(QWidget* parent, IDCCHub* hub, CharacterizationModel*
 {
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
+    // The labels keep their own width; what the panel has beyond it goes to the values.
     grid->setColumnStretch(0, 0);
-    grid->setColumnStretch(1, 1);
+    for (int column = 1; column <= 3; ++column)
+        grid->setColumnStretch(column, 1);
 
     grid->addWidget(new QLabel(tr("Status"), this), 0, 0, 1, 4);
     mStatus->setReadOnly(true);
-    mStatus->setMaximumHeight(mStatus->fontMetrics().lineSpacing() * 4 + 2 * mStatus->frameWidth() + 8);
+    // Room for two lines at least: squeezed below one, the box scrolls its only line out of sight.
+    const int frame = 2 * mStatus->frameWidth() + 2 * int(mStatus->document()->documentMargin());
+    mStatus->setMinimumHeight(mStatus->fontMetrics().lineSpacing() * 2 + frame);
+    mStatus->setMaximumHeight(mStatus->fontMetrics().lineSpacing() * 4 + frame);
     grid->addWidget(mStatus, 1, 0, 1, 4);
     mNode = AddLine(2, tr("Zelkin node"));
-    grid->addWidget(new QLabel(tr("Bone"), this), 3, 0);
+    grid->addWidget(Label(tr("Bone")), 3, 0);
     mBone->setReadOnly(true);
-    mBone->setToolTip(tr("Double click to select the bone in the scene."));
+    mBone->SetHint(tr("Double click to select the bone in the scene."));
     grid->addWidget(mBone, 3, 1, 1, 3);
     mSelection = AddLine(4, tr("Scene Selection"));
     mRotationOrder = AddLine(5, tr("Rotation order"));
@@ -85,14 +94,31 @@ PropertyView::PropertyView(QWidget* parent, IDCCHub* hub, CharacterizationModel*
         connect(mHub, SIGNAL(selectionChanged()), this, SLOT(OnDccSelect()));
     Fill(mNodeId);
     OnDccSelect();
+    // Its disabled rows (quantities a joint does not have) stay readable.
+    KeepReadable(*this);
+}
+
+bool PropertyView::event(QEvent* event)
+{
+    const bool handled = QFrame::event(event);
+    KeepReadable(*this, event);
+    return handled;
+}
+
+QLabel* PropertyView::Label(const QString& text)
+{
+    auto* label = new QLabel(text, this);
+    // In a narrow panel a label takes two lines rather than losing its end.
+    label->setWordWrap(true);
+    return label;
 }
 
 QLineEdit* PropertyView::AddLine(int row, const QString& label)
 {
     auto* grid = static_cast<QGridLayout*>(layout());
-    auto* line = new QLineEdit(this);
+    auto* line = new ElidedLineEdit(this);
     line->setReadOnly(true);
-    grid->addWidget(new QLabel(label, this), row, 0);
+    grid->addWidget(Label(label), row, 0);
     grid->addWidget(line, row, 1, 1, 3);
     return line;
 }
@@ -100,7 +126,7 @@ QLineEdit* PropertyView::AddLine(int row, const QString& label)
 void PropertyView::AddQuantityRow(int row, Quantity quantity, const QString& label)
 {
     auto* grid = static_cast<QGridLayout*>(layout());
-    mLabels[quantity] = new QLabel(label, this);
+    mLabels[quantity] = Label(label);
     grid->addWidget(mLabels[quantity], row, 0);
     for (int axis = 0; axis < 3; ++axis)
     {
@@ -112,7 +138,8 @@ void PropertyView::AddQuantityRow(int row, Quantity quantity, const QString& lab
         QFont font = field->font();
         font.setPointSizeF(font.pointSizeF() * 0.85);
         field->setFont(font);
-        grid->addWidget(field, row, 1 + axis);
+        // Aligned, so the field keeps its width while its column takes what the panel gives it.
+        grid->addWidget(field, row, 1 + axis, Qt::AlignLeft);
         mValues[quantity][axis] = field;
     }
 }

@@ -61,7 +61,11 @@ public slots:
     void BoneDoubleClick(QMouseEvent* event);
     void OnDccSelect();
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
+    QLabel* Label(const QString& text);
     QLineEdit* AddLine(int row, const QString& label);
     void AddQuantityRow(int row, Quantity quantity, const QString& label);
     void Fill(int nodeId);

@@ -128,6 +128,20 @@ TEST_F(Panel, LockingWithLostBonesAsksBeforeClearingThem)
     EXPECT_FALSE(model->IsLocked());
 }
 
+TEST_F(Panel, ClearingALockedCharacterizationIsRefusedOnceWhereTheModelWouldClearIt)
+{
+    MapAll();
+    ModalAnswerer answerer(QMessageBox::Ok);
+    ASSERT_TRUE(tool->DoToggleEditMode(true));
+    tool->ClearCharacterization();
+    EXPECT_EQ(answerer.titles, QStringList({"Characterization Locked"}));
+    EXPECT_EQ(tool->GetCharacterization()->AssignedCount(), static_cast<int>(mapping.size()));
+    tool->DoToggleEditMode(false);
+    tool->ClearCharacterization();
+    EXPECT_EQ(tool->GetCharacterization()->AssignedCount(), 0);
+    EXPECT_EQ(answerer.Count(), 1);
+}
+
 TEST_F(Panel, DeletingTheOnlyCharacterizationLeavesAnEmptyOne)
 {
     MapAll();

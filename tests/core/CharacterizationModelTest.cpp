@@ -99,18 +99,30 @@ TEST_F(HandMadeModel, AssignmentAndClearingTalkToTheHostInOrder)
     EXPECT_EQ(model.GetCurrentCharacterization()->AssignedCount(), 0);
 }
 
-TEST_F(HandMadeModel, ALockedCharacterizationRefusesEveryEdit)
+TEST_F(HandMadeModel, ALockedCharacterizationTakesTheModelsOwnEditsButNoHostRename)
 {
     model.SetEditMode(true);
     ASSERT_TRUE(model.IsLocked());
+    QSignalSpy changes(&model, &CharacterizationModel::ModelChanged);
+    EXPECT_TRUE(model.ClearNode(Node("Head")));
+    EXPECT_TRUE(model.AssignBone(Node("Neck1"), QStringLiteral("rig:Head")));
+    EXPECT_TRUE(model.SetInverted(0, true));
+    EXPECT_EQ(hub.journal, QStringList({"Detach:rig:Head", "Skeleton:rig:Head||" + kDefault + "|15|0",
+                                        "Attach:rig:Head", "Skeleton:|rig:Head|" + kDefault + "|32|0",
+                                        "Inverted:0|1"}));
+    // The locked branch of the update only announces the change: the findings stay those of the locking.
+    EXPECT_EQ(changes.count(), 3);
+    EXPECT_EQ(model.GetValidationState(), Valid);
+    EXPECT_TRUE(model.IsLocked());
+
     const Characterization before = *model.GetCurrentCharacterization();
-    EXPECT_FALSE(model.AssignBone(Node("Head"), QStringLiteral("rig:Neck")));
-    EXPECT_FALSE(model.ClearNode(Node("Head")));
-    EXPECT_FALSE(model.SetInverted(0, true));
-    model.ClearAll();
-    model.RenameBone(QStringLiteral("x"), QStringLiteral("rig:Head"));
+    hub.RenameSceneBone(QStringLiteral("rig:Hips"), QStringLiteral("rig:Pelvis"));
     EXPECT_EQ(*model.GetCurrentCharacterization(), before);
-    EXPECT_TRUE(hub.journal.isEmpty());
+
+    model.ClearAll();
+    EXPECT_EQ(model.GetCurrentCharacterization()->AssignedCount(), 0);
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("Cleared all nodes."));
+    EXPECT_TRUE(model.IsLocked());
 }
 
 TEST_F(HandMadeModel, HostRenamesFollowTheCurrentCharacterizationOnly)
@@ -131,23 +143,69 @@ TEST_F(HandMadeModel, HostRenamesFollowTheCurrentCharacterizationOnly)
     EXPECT_EQ(model.GetUnsyncNodes(), std::vector<int>({Node("Neck")}));
 }
 
-TEST_F(HandMadeModel, HostRemovalsClearEveryCharacterizationAndUnlock)
+TEST_F(HandMadeModel, EmptyNamesInAHostRenameFollowTheSameRule)
+{
+    QSignalSpy changes(&model, &CharacterizationModel::ModelChanged);
+    // No node holds an empty bone name, so nothing is renamed; the update runs as for any name.
+    emit hub.NameChanged(QStringLiteral("rig:Ghost"), QString());
+    EXPECT_EQ(model.GetCurrentCharacterization()->FindNode(QStringLiteral("rig:Ghost")), -1);
+    EXPECT_EQ(model.GetCurrentCharacterization()->AssignedCount(), static_cast<int>(mapping.size()));
+    EXPECT_EQ(changes.count(), 1);
+
+    // A bone renamed to nothing leaves its node with an empty name, which is no bone.
+    emit hub.NameChanged(QString(), QStringLiteral("rig:Head"));
+    EXPECT_FALSE(model.GetCurrentCharacterization()->IsAssigned(Node("Head")));
+    EXPECT_EQ(changes.count(), 2);
+    EXPECT_EQ(model.GetValidationMessage(), "Missing required bones.");
+}
+
+// The name of the current characterization each time the model announces a change.
+QStringList CurrentAtEachChange(CharacterizationModel& model, const std::function<void()>& action)
+{
+    QStringList names;
+    const QMetaObject::Connection connection = QObject::connect(&model, &CharacterizationModel::ModelChanged, [&] {
+        const auto current = model.GetCurrentCharacterization();
+        names.append(current ? current->GetName() : QStringLiteral("(none)"));
+    });
+    action();
+    QObject::disconnect(connection);
+    return names;
+}
+
+TEST_F(HandMadeModel, HostRemovalsVisitEveryCharacterizationInTurnAndUnlock)
 {
     auto current = model.GetCurrentCharacterization();
     auto other = model.CreateCharacterization(QStringLiteral("Other"));
     other->SetBone(Node("Head"), QStringLiteral("rig:Head"));
     other->SetLocked(true);
+    auto without = model.CreateCharacterization(QStringLiteral("Without"));
+    without->SetLocked(true);
     model.SetCurrentCharacterization(model.IndexOf(current.get()));
+    model.SetEditedPart(Node("LeftArm"), false);
     hub.journal.clear();
 
-    hub.RemoveSceneBone(QStringLiteral("rig:Head"));
+    // Each is current while its nodes let go of the bone and its update runs; the user's one comes back last.
+    const QStringList visited = CurrentAtEachChange(model, [&] { hub.RemoveSceneBone(QStringLiteral("rig:Head")); });
+    EXPECT_EQ(visited, QStringList({kDefault, "Other", "Without", kDefault}));
     EXPECT_FALSE(current->IsAssigned(Node("Head")));
     EXPECT_FALSE(other->IsAssigned(Node("Head")));
     EXPECT_FALSE(other->IsLocked());
+    EXPECT_TRUE(without->IsLocked()); // it held no such bone
     EXPECT_EQ(model.GetCurrentCharacterization(), current);
+    EXPECT_EQ(model.GetEditedPart(), Node("LeftArm"));
     EXPECT_EQ(hub.journal, QStringList({"Detach:rig:Head", "Skeleton:rig:Head||" + kDefault + "|15|1",
                                         "Detach:rig:Head", "Skeleton:rig:Head||Other|15|1"}));
     EXPECT_EQ(model.GetValidationMessage(), "Missing required bones.");
+    EXPECT_EQ(model.GetNodeState(Node("Head")), 0);
+    EXPECT_EQ(model.GetNodeState(Node("LeftArm")), 1);
+
+    // A locked current one, visited last, still shows its own findings afterwards.
+    without->SetBone(Node("LeftArm"), QStringLiteral("rig:LeftArm"));
+    model.SetCurrentCharacterization(model.IndexOf(without.get()));
+    ASSERT_EQ(model.GetNodeState(Node("LeftArm")), 1);
+    hub.RemoveSceneBone(QStringLiteral("rig:Neck"));
+    EXPECT_EQ(model.GetCurrentCharacterization(), without);
+    EXPECT_EQ(model.GetNodeState(Node("LeftArm")), 1);
 }
 
 TEST_F(HandMadeModel, CharacterizationNodesFollowTheHost)
@@ -167,17 +225,49 @@ TEST_F(HandMadeModel, CharacterizationNodesFollowTheHost)
     }
     ASSERT_FALSE(detached.isEmpty());
     hub.journal.clear();
-    emit hub.CharacterizationNodeRemoved(QStringLiteral("B"));
+    ASSERT_TRUE(model.AssignBone(Node("Head"), QStringLiteral("rig:Head")));
+    hub.journal.clear();
+    // The removed one is current while it goes; the one before it is current again afterwards, with its findings.
+    EXPECT_EQ(CurrentAtEachChange(model, [&] { emit hub.CharacterizationNodeRemoved(QStringLiteral("B")); }),
+              QStringList({"B", "A2"}));
     EXPECT_EQ(model.GetCurrentCharacterization()->GetName(), QStringLiteral("A2"));
+    EXPECT_EQ(model.GetNodeState(Node("Head")), 1);
+    EXPECT_EQ(model.GetValidationMessage(), "Missing required bones.");
     emit hub.CharacterizationNodeRemoved(QStringLiteral("A2"));
     EXPECT_EQ(model.GetCurrentCharacterization()->GetName(), kDefault);
     emit hub.CharacterizationNodeRemoved(kDefault);
     ASSERT_EQ(model.GetCharacterizations().size(), 1u);
     EXPECT_EQ(model.GetCurrentCharacterization()->GetName(), kDefault);
     EXPECT_EQ(model.GetCurrentCharacterization()->AssignedCount(), 0);
-    EXPECT_EQ(hub.journal, QStringList({"Unregister:B", "UI", "Unregister:A2", "UI"}) + detached +
+    EXPECT_EQ(hub.journal, QStringList({"Unregister:B", "UI", "Detach:rig:Head", "Unregister:A2", "UI"}) + detached +
                                QStringList({"Unregister:" + kDefault, "Register:" + kDefault, "Create:" + kDefault,
                                             "UI"}));
+}
+
+TEST_F(HandMadeModel, TheLastOperationTextBelongsToTheCurrentCharacterization)
+{
+    ASSERT_TRUE(model.ClearNode(Node("Head")));
+    const auto first = model.GetCurrentCharacterization();
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("Unregistered node: rig:Head"));
+    model.CreateCharacterization(QStringLiteral("B"));
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("No previous operation."));
+    ASSERT_TRUE(model.AssignBone(Node("Head"), QStringLiteral("rig:Head")));
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("Assigned node: rig:Head"));
+
+    model.SetCurrentCharacterization(model.IndexOf(first.get()));
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("Unregistered node: rig:Head"));
+    // What the host does to another characterization is that one's.
+    ASSERT_TRUE(model.AssignCharacterizationBone(QStringLiteral("B"), Node("Neck"), QStringLiteral("rig:Neck")));
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("Unregistered node: rig:Head"));
+    model.SetCurrentCharacterization(model.IndexOf(QStringLiteral("B")));
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("Assigned node: rig:Neck"));
+    model.ClearAll();
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("Cleared all nodes."));
+
+    // A characterization that goes and comes back by the same name starts afresh.
+    emit hub.CharacterizationNodeRemoved(QStringLiteral("B"));
+    model.CreateCharacterization(QStringLiteral("B"));
+    EXPECT_EQ(model.GetLastOperationText(), QStringLiteral("No previous operation."));
 }
 
 TEST_F(HandMadeModel, EditedPartAndModesAreAnnounced)

@@ -1,6 +1,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include <QSignalSpy>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -135,18 +136,35 @@ TEST_F(HubWithPanel, AssignCharacterBoneTouchesOnlyTheNamedCharacter)
     EXPECT_FALSE(hub.AssignCharacterBone(kDefault, 212, QStringLiteral("rig:Head"), false));
     EXPECT_TRUE(hub.journal.isEmpty());
 
+    // Through the model's own assignment: the views hear of it at once, locked or not.
+    QSignalSpy changes(model, &CharacterizationModel::ModelChanged);
     EXPECT_TRUE(hub.AssignCharacterBone(kDefault, 15, QStringLiteral("rig:Head"), false));
+    tool->GetCharacterization()->SetLocked(true);
     EXPECT_TRUE(hub.AssignCharacterBone(kDefault, 15, QStringLiteral("rig:Neck"), false));
-    EXPECT_EQ(hub.journal, QStringList({"Attach:rig:Head", "Detach:rig:Head", "Attach:rig:Neck"}));
+    EXPECT_EQ(changes.count(), 2);
+    EXPECT_EQ(model->GetNodeState(15), 1);
+    EXPECT_EQ(hub.journal, QStringList({"Attach:rig:Head", "Skeleton:|rig:Head|" + kDefault + "|15|0",
+                                        "Detach:rig:Head", "Attach:rig:Neck",
+                                        "Skeleton:rig:Head|rig:Neck|" + kDefault + "|15|0"}));
     QString bone;
     EXPECT_TRUE(hub.GetNodeAssignedToCharacterBone(kDefault, 15, bone));
     EXPECT_EQ(bone, QStringLiteral("rig:Neck"));
 
     hub.journal.clear();
     EXPECT_TRUE(hub.AssignCharacterBone(kDefault, 15, QString(), false));
-    EXPECT_EQ(hub.journal, QStringList({"Detach:rig:Neck"}));
+    EXPECT_EQ(hub.journal, QStringList({"Detach:rig:Neck", "Skeleton:rig:Neck||" + kDefault + "|15|0"}));
     EXPECT_TRUE(hub.GetNodeAssignedToCharacterBone(kDefault, 15, bone));
     EXPECT_TRUE(bone.isEmpty());
+    EXPECT_EQ(model->GetNodeState(15), 0);
+
+    // Another characterization changes without disturbing the current one's findings or its views.
+    model->CreateCharacterization(QStringLiteral("B"));
+    model->SetCurrentCharacterization(0);
+    changes.clear();
+    EXPECT_TRUE(hub.AssignCharacterBone(QStringLiteral("B"), 15, QStringLiteral("rig:Head"), false));
+    EXPECT_EQ(model->FindCharacterization(QStringLiteral("B"))->GetBone(15), QStringLiteral("rig:Head"));
+    EXPECT_EQ(changes.count(), 0);
+    EXPECT_EQ(model->GetNodeState(15), 0);
 }
 
 TEST_F(HubWithPanel, InvertedStatesAreTheFourLimbFlags)
@@ -187,8 +205,9 @@ TEST_F(HubWithPanel, StateMovesBetweenInvalidUnlockedAndLocked)
 
 TEST_F(HubWithPanel, CharacterListFollowsTheHost)
 {
-    EXPECT_EQ(hub.GetCurrentCharacterNodeName(), kDefault);
+    // The panel's working characterization is no character of the host: it goes by the host's default name.
     EXPECT_EQ(hub.GetDefaultCharacterNodeName(), kDefault + QStringLiteral(" 2"));
+    EXPECT_EQ(hub.GetCurrentCharacterNodeName(), hub.GetDefaultCharacterNodeName());
 
     hub.UpdateCharacterList({QStringLiteral("B"), QStringLiteral("A"), QStringLiteral("B")});
     QList<QString> names;

@@ -153,6 +153,31 @@ TEST_F(ConfigDocumentTest, ItemTablesKeepEveryAttributeAndMissingOnesReadEmpty)
     EXPECT_TRUE(written.contains("<item value=\"spine\"/>")) << written.constData();
 }
 
+TEST_F(ConfigDocumentTest, RepeatedEntriesKeepTheirOwnAttributesThroughOtherWrites)
+{
+    ConfigDocument document;
+    ASSERT_TRUE(document.LoadFromData("<config_root><clip_list>"
+                                      "<clip_path path=\"/a\" note=\"x\"/><clip_path path=\"/b\"/>"
+                                      "</clip_list></config_root>"));
+    ASSERT_TRUE(document.WriteValue("name_match", "match_type", "Contains"));
+    const QByteArray written = document.ToByteArray();
+    EXPECT_TRUE(written.contains("<clip_path path=\"/a\" note=\"x\"/>\n        <clip_path path=\"/b\"/>"))
+        << written.constData();
+    EXPECT_EQ(document.ReadEntries("clip_list", "clip_path", {"path", "note"}),
+              (QList<QStringList> {{"/a", "x"}, {"/b", ""}}));
+
+    // Rewriting them replaces every one, in row order, after the section's other keys.
+    ASSERT_TRUE(document.WriteValue("clip_list", "other", "kept"));
+    ASSERT_TRUE(document.WriteEntries("clip_list", "clip_path", {"path", "value"}, {{"/c", "1"}, {"/d", "2"}}));
+    EXPECT_EQ(document.Keys("clip_list"), QStringList({"other", "clip_path", "clip_path"}));
+    EXPECT_EQ(document.ReadEntries("clip_list", "clip_path", {"value", "path"}),
+              (QList<QStringList> {{"1", "/c"}, {"2", "/d"}}));
+    EXPECT_FALSE(document.WriteEntries("clip_list", "clip_path", {"path", "path"}, {{"/e", "/f"}}));
+    ConfigDocument reloaded;
+    ASSERT_TRUE(reloaded.LoadFromData(document.ToByteArray()));
+    EXPECT_EQ(reloaded.ReadEntries("clip_list", "clip_path", {"path"}), (QList<QStringList> {{"/c"}, {"/d"}}));
+}
+
 TEST_F(ConfigDocumentTest, MissingAndEmptyFilesAreEmptyDocuments)
 {
     ConfigDocument document;

@@ -1,5 +1,6 @@
 // The clip browser: clip files written by the panel, listed per directory, and directories remembered in the
 // configuration.
+#include <QApplication>
 #include <QFile>
 #include <QFileDialog>
 #include <QMenu>
@@ -8,6 +9,7 @@
 #include <zelkin/ClipTreeWidget.h>
 #include <zelkin/ConfigDocument.h>
 #include <zelkin/ResourceBridge.h>
+#include <zelkin/UserConfiguration.h>
 
 #include "ModalScript.h"
 #include "PanelFixture.h"
@@ -21,6 +23,31 @@ QStringList Children(const QTreeWidgetItem* top)
     for (int i = 0; i < top->childCount(); ++i)
         names.append(top->child(i)->text(0));
     return names;
+}
+
+QString ConfigFile()
+{
+    return PrivateAppData::ToolFolder() + QStringLiteral("/config/characterization_tool.xml");
+}
+
+// The "path" of every "clip_path" entry of the configuration file.
+QStringList StoredClipPaths()
+{
+    ConfigDocument saved;
+    QStringList paths;
+    if (saved.Load(ConfigFile()))
+    {
+        for (const QStringList& row : saved.ReadEntries("clip_list", "clip_path", {"path"}))
+            paths.append(row.front());
+    }
+    return paths;
+}
+
+bool WriteConfig(const QByteArray& text)
+{
+    QDir().mkpath(QFileInfo(ConfigFile()).absolutePath());
+    QFile file(ConfigFile());
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text) == text.size();
 }
 
 struct Clips : MixamoPanel
@@ -58,16 +85,37 @@ TEST_F(Clips, ListsTheClipFilesOfEachDirectoryAndRemembersTheDirectories)
               QFileInfo(clips.filePath("walk.kst")).absoluteFilePath());
     EXPECT_EQ(tree.topLevelItem(1)->childCount(), 0);
 
-    ConfigDocument saved;
-    ASSERT_TRUE(saved.Load(PrivateAppData::ToolFolder() + QStringLiteral("/config/characterization_tool.xml")));
-    EXPECT_EQ(saved.ReadTable(QStringLiteral("clip_list"), QStringLiteral("clip_path"), {QStringLiteral("path")}),
-              QList<QStringList>({{QDir(clips.path()).absolutePath()}, {QDir(more.path()).absolutePath()}}));
+    EXPECT_EQ(StoredClipPaths(), QStringList({QDir(clips.path()).absolutePath(), QDir(more.path()).absolutePath()}));
 
     const std::unique_ptr<ResourceBridge> next = NextSession();
     ClipTreeWidget reopened(*next);
     EXPECT_EQ(reopened.GetDirectories(), tree.GetDirectories());
     ASSERT_EQ(reopened.topLevelItemCount(), 2);
     EXPECT_EQ(Children(reopened.topLevelItem(0)), QStringList({"Run.kst", "walk.kst"}));
+}
+
+TEST_F(Clips, DirectoriesWrittenInTheKeyedLayoutAreReadInOrder)
+{
+    ASSERT_TRUE(WriteConfig("<config_root>\n"
+                            "    <name_match><match_type value=\"Contains\"/></name_match>\n"
+                            "    <clip_list>\n"
+                            "        <clip_path path=\"" + QDir(more.path()).absolutePath().toUtf8() + "\"/>\n"
+                            "        <clip_path path=\"\"/>\n"
+                            "        <clip_path path=\"" + QDir(clips.path()).absolutePath().toUtf8() + "\"/>\n"
+                            "        <clip_path path=\"" + QDir(more.path()).absolutePath().toUtf8() + "\"/>\n"
+                            "    </clip_list>\n"
+                            "</config_root>\n"));
+    const std::unique_ptr<ResourceBridge> next = NextSession();
+    ClipTreeWidget tree(*next);
+    EXPECT_EQ(tree.GetDirectories(), QStringList({QDir(more.path()).absolutePath(), QDir(clips.path()).absolutePath()}));
+    ASSERT_EQ(tree.topLevelItemCount(), 2);
+    EXPECT_EQ(Children(tree.topLevelItem(1)), QStringList({"Run.kst", "walk.kst"}));
+
+    // Storing them again keeps the other settings and writes one entry per directory.
+    tree.setCurrentItem(tree.topLevelItem(0));
+    tree.RemoveDirectory();
+    EXPECT_EQ(StoredClipPaths(), QStringList({QDir(clips.path()).absolutePath()}));
+    EXPECT_EQ(NextSession()->GetConfiguration().MatchType(), NameMatcher::Contains);
 }
 
 TEST_F(Clips, RefreshFindsNewClipsAndRemoveForgetsADirectory)
@@ -82,7 +130,7 @@ TEST_F(Clips, RefreshFindsNewClipsAndRemoveForgetsADirectory)
     EXPECT_EQ(Children(tree.topLevelItem(1)), QStringList({"jump.kst"}));
     EXPECT_EQ(tree.GetCurrentClip(), QFileInfo(clips.filePath("walk.kst")).absoluteFilePath()); // kept its place
 
-    tree.setCurrentItem(tree.topLevelItem(0)->child(0)); // a clip row stands for its directory
+    tree.setCurrentItem(tree.topLevelItem(0));
     tree.RemoveDirectory();
     EXPECT_EQ(tree.GetDirectories(), QStringList({QDir(more.path()).absolutePath()}));
     ASSERT_EQ(tree.topLevelItemCount(), 1);
@@ -93,6 +141,56 @@ TEST_F(Clips, RefreshFindsNewClipsAndRemoveForgetsADirectory)
     tree.Refresh();
     ASSERT_EQ(tree.topLevelItemCount(), 1);
     EXPECT_EQ(tree.topLevelItem(0)->childCount(), 0);
+}
+
+TEST_F(Clips, RemoveOnAClipAsksBeforeItsDirectoryGoes)
+{
+    ClipTreeWidget tree(*tool->GetBridge());
+    tree.AddDirectoryPath(clips.path());
+    tree.AddDirectoryPath(more.path());
+    tree.setCurrentItem(tree.topLevelItem(0)->child(1));
+    {
+        ModalScript declined({ModalScript::Answer(QMessageBox::No)});
+        tree.RemoveDirectory();
+        EXPECT_EQ(declined.boxTitles, QStringList({"Remove Clip Directory"}));
+        EXPECT_TRUE(declined.boxTexts.value(0).contains(QDir::toNativeSeparators(QDir(clips.path()).absolutePath())));
+    }
+    EXPECT_EQ(tree.GetDirectories().size(), 2);
+    EXPECT_EQ(tree.GetCurrentClip(), QFileInfo(clips.filePath("walk.kst")).absoluteFilePath());
+    {
+        ModalScript accepted({ModalScript::Answer(QMessageBox::Yes)});
+        tree.RemoveDirectory();
+        EXPECT_TRUE(accepted.Done());
+    }
+    EXPECT_EQ(tree.GetDirectories(), QStringList({QDir(more.path()).absolutePath()}));
+    EXPECT_TRUE(QFileInfo::exists(clips.filePath("walk.kst"))); // only the list forgets it
+}
+
+// The viewport of an empty browser holds text saying how to add a directory; a listed one shows its rows instead.
+int InkPixels(ClipTreeWidget& tree)
+{
+    tree.resize(320, 240);
+    tree.show();
+    QApplication::processEvents();
+    const QImage shot = tree.viewport()->grab().toImage();
+    const QColor base = tree.viewport()->palette().color(QPalette::Base);
+    int ink = 0;
+    for (int y = 0; y < shot.height(); ++y)
+    {
+        for (int x = 0; x < shot.width(); ++x)
+            ink += qAbs(qGray(shot.pixel(x, y)) - qGray(base.rgb())) > 96 ? 1 : 0;
+    }
+    return ink;
+}
+
+TEST_F(Clips, AnEmptyBrowserSaysHowToAddADirectory)
+{
+    ClipTreeWidget tree(*tool->GetBridge());
+    EXPECT_TRUE(tree.GetEmptyText().contains(QStringLiteral("Add Clip Directory...")));
+    const int empty = InkPixels(tree);
+    EXPECT_GT(empty, 200);
+    ASSERT_TRUE(tree.AddDirectoryPath(more.path())); // an empty directory: one row
+    EXPECT_LT(InkPixels(tree), empty / 2);
 }
 
 TEST_F(Clips, TheContextMenuOffersItsEntriesInOrderAndExploreRevealsTheCurrentClip)
@@ -123,6 +221,10 @@ TEST_F(Clips, TheContextMenuOffersItsEntriesInOrderAndExploreRevealsTheCurrentCl
     menu = tree.CreateContextMenu();
     menu->actions().at(3)->trigger();
     EXPECT_EQ(revealed, QStringList({QFileInfo(clips.filePath("walk.kst")).absoluteFilePath()}));
+
+    // The Windows file manager is started with the file selected, its path in native separators.
+    EXPECT_EQ(ClipTreeWidget::ExplorerArgument(QStringLiteral("C:/clips/run/walk.kst")),
+              QStringLiteral("/select,C:\\clips\\run\\walk.kst"));
 
     // A file manager that cannot be started is said once.
     tree.SetRevealer([](const QString&) { return false; });

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include <QCheckBox>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QTemporaryDir>
@@ -308,6 +309,46 @@ TEST_F(MixamoPanel, LoadingTellsTheHostAndAsksBeforeReplacingAMapping)
     ModalScript locked({ModalScript::Answer(QMessageBox::Ok)});
     EXPECT_FALSE(tool->LoadFile(path));
     EXPECT_EQ(locked.boxTitles, QStringList({"Characterization Locked"}));
+}
+
+TEST_F(OfflinePanel, ALockedCharacterizationIsRefusedBeforeTheLoadDialogAndDialogsReopenWhereLastUsed)
+{
+    offline->GetModel()->SetEditMode(true);
+    {
+        ModalScript locked({ModalScript::Answer(QMessageBox::Ok)});
+        offline->OnLoad();
+        EXPECT_EQ(locked.windowTitles, QStringList({"Characterization Locked"}));
+        EXPECT_EQ(locked.Unexpected(), 0);
+    }
+    offline->GetModel()->SetEditMode(false);
+
+    QDir(folder.path()).mkdir(QStringLiteral("saved"));
+    QDir(folder.path()).mkdir(QStringLiteral("loaded"));
+    SaveThroughDialog(*offline, QStringLiteral("Xml Characterization File (*.xml)"), File("saved/hero"), true);
+    ASSERT_TRUE(QFile::copy(File("saved/hero.xml"), File("loaded/other.xml")));
+    QStringList opened;
+    const auto noteFolder = [&opened](QFileDialog* dialog) {
+        opened.append(QDir::cleanPath(dialog->directory().absolutePath()));
+    };
+    {
+        ModalScript load({ModalScript::Accept<QFileDialog>([&](QFileDialog* dialog) {
+                              noteFolder(dialog);
+                              dialog->selectFile(File("loaded/other.xml"));
+                          }),
+                          ModalScript::Answer(QMessageBox::Yes)});
+        offline->OnLoad();
+        EXPECT_TRUE(load.Done());
+    }
+    {
+        ModalScript save({[&](QWidget* window) {
+            if (auto* dialog = qobject_cast<QFileDialog*>(window))
+                noteFolder(dialog);
+            QMetaObject::invokeMethod(window, "reject", Qt::QueuedConnection);
+        }});
+        offline->OnSave();
+        EXPECT_TRUE(save.Done());
+    }
+    EXPECT_EQ(opened, QStringList({QDir::cleanPath(File("saved")), QDir::cleanPath(File("loaded"))}));
 }
 
 TEST_F(OfflinePanel, ClipFilesCarryBitZeroOrTheStoredFlagWords)

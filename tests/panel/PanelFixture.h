@@ -28,6 +28,7 @@ struct MixamoPanel : testing::Test
             << error.toStdString();
         tool = std::make_unique<CharacterTool>(false, "", "", &host, &hub);
         model = tool->GetModel();
+        hub.UpdateCharacterList({Characterization::DefaultName()}); // the host has the character
     }
 
     Characterization& Current() const { return *tool->GetCharacterization(); }

@@ -24,7 +24,16 @@ namespace
 {
 
 using Dialog = ApplyTemplateDialog;
-using Templates = MixamoPanel;
+
+// Templates are applied with a bone of the skeleton selected in the host.
+struct Templates : MixamoPanel
+{
+    void SetUp() override
+    {
+        MixamoPanel::SetUp();
+        hub.selection = QStringList({Rig("Hips")});
+    }
+};
 
 QString ConfigFile()
 {
@@ -115,24 +124,24 @@ TEST_F(Templates, TheBestFittingTemplateIsAppliedAndCounted)
     EXPECT_FALSE(Current().IsAssigned(Node("Head")));
 }
 
-TEST_F(Templates, TheSelectedScopeNeedsASelectionAndMapsOnlyIt)
+TEST_F(Templates, AnEmptySelectionIsRefusedBeforeAnyDialogAndTheSelectedScopeMapsOnlyIt)
 {
-    const auto selectedScope = [](Dialog* dialog) {
-        dialog->SelectTemplate(QStringLiteral("Mixamo"));
-        dialog->GetScopeButton(Dialog::SelectedOnly)->click();
-    };
-    // Nothing selected: OK is refused with a message and the dialog stays open until the user cancels it.
-    ModalScript refused({ApplyWith(selectedScope), ModalScript::Answer(QMessageBox::Ok), ModalScript::Reject()});
+    hub.selection.clear();
+    ModalScript refused({ModalScript::Answer(QMessageBox::Ok), ModalScript::Answer(QMessageBox::Ok)});
     tool->AutoMatch();
-    EXPECT_TRUE(refused.Done());
-    EXPECT_EQ(refused.windowTitles,
-              QStringList({"Apply Mapping Template", "Match Error", "Apply Mapping Template"}));
-    EXPECT_EQ(refused.boxTexts,
-              QStringList({"You must select at least one bone in the skeleton\nbefore you can use a mapping template."}));
+    hub.ShowMapBones();
+    EXPECT_EQ(refused.windowTitles, QStringList({"Match Error", "Match Error"}));
+    EXPECT_EQ(refused.boxTexts.value(0),
+              QStringLiteral("You must select at least one bone in the skeleton\nbefore you can use a mapping template."));
+    EXPECT_EQ(refused.Unexpected(), 0);
     EXPECT_EQ(Current().AssignedCount(), 0);
 
     hub.selection = QStringList({Rig("LeftArm"), Rig("Hips")});
-    ModalScript accepted({ApplyWith(selectedScope), ModalScript::Answer(QMessageBox::Ok)});
+    ModalScript accepted({ApplyWith([](Dialog* dialog) {
+                              dialog->SelectTemplate(QStringLiteral("Mixamo"));
+                              dialog->GetScopeButton(Dialog::SelectedOnly)->click();
+                          }),
+                          ModalScript::Answer(QMessageBox::Ok)});
     tool->AutoMatch();
     EXPECT_EQ(Current().AssignedCount(), 2);
     EXPECT_EQ(Current().GetBone(Node("Hips")), Rig("Hips"));
@@ -273,16 +282,29 @@ TEST_F(Templates, ExtractionRefusesAnEmptyCharacterizationAndAFolderItCannotUse)
                                            "must map at least one bone in the skeleton first."}));
 
     model->AutoMatch();
-    // A file where the template folder belongs: the folder cannot be made.
-    QDir().mkpath(PrivateAppData::ToolFolder() + QStringLiteral("/config"));
-    QFile blocker(PrivateAppData::ToolFolder() + QStringLiteral("/config/template"));
-    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
+    // The folder went missing: it is not made again behind the user's back.
+    ASSERT_TRUE(QDir(PrivateAppData::ToolFolder() + QStringLiteral("/config/template")).removeRecursively());
     ModalScript missing({ModalScript::Answer(QMessageBox::Ok)});
     tool->ExtractTemplate();
     EXPECT_EQ(missing.boxTitles, QStringList({"Extract Template Error"}));
     EXPECT_EQ(missing.boxTexts, QStringList({"The directory does not exist."}));
     EXPECT_EQ(missing.Unexpected(), 0);
+    EXPECT_FALSE(QFileInfo::exists(PrivateAppData::ToolFolder() + QStringLiteral("/config/template")));
+
+    // A file where the folder belongs is no folder either.
+    QFile blocker(PrivateAppData::ToolFolder() + QStringLiteral("/config/template"));
+    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+    ModalScript blocked({ModalScript::Answer(QMessageBox::Ok)});
+    tool->ExtractTemplate();
+    EXPECT_EQ(blocked.boxTexts, QStringList({"The directory does not exist."}));
+
+    // A new panel sets the folder up again, and extraction works.
+    ASSERT_TRUE(QFile::remove(blocker.fileName()));
+    TestHub otherHub;
+    QWidget otherHost;
+    CharacterTool other(false, "", "", &otherHost, &otherHub);
+    EXPECT_TRUE(QFileInfo(PrivateAppData::ToolFolder() + QStringLiteral("/config/template")).isDir());
 }
 
 TEST_F(Templates, MirrorModeGivesTheCounterpartBoneToTheOppositeNode)

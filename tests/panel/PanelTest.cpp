@@ -69,6 +69,7 @@ TEST_F(Panel, ViewsSwitchPagesAndOutOfRangePagesAreIgnored)
 TEST_F(Panel, HubMenuEntriesOpenThePanelsDialogs)
 {
     model->AutoMatch();
+    hub.selection = QStringList({Rig("Hips")});
     ModalScript script({ModalScript::Reject(), ModalScript::Reject(), ModalScript::Reject(), ModalScript::Reject()});
     hub.ShowMapBones();
     hub.ShowConfigureMirrorMatching();

@@ -146,6 +146,8 @@ protected:
         }
         return AnyOf(Chance(75) && !tips.isEmpty() ? tips : bones);
     }
+    // The model takes any edit; the figure and the name match tree refuse the user's on a locked characterization.
+    bool EditableInTheViews() { return !Model().IsLocked(); }
     QString Serial(const char* stem) { return QStringLiteral("%1%2").arg(QLatin1String(stem)).arg(++serial); }
 
     Op NextOp()
@@ -265,7 +267,8 @@ QString HostChurnTest::DoAssign()
     if (nodeId == BoneCatalogue::NoNode || Chance(10))
         nodeId = static_cast<int>(Pick(ZELNodeCount));
     const QStringList before = Current().GetBoneNames();
-    Model().AssignBone(nodeId, bone);
+    if (EditableInTheViews())
+        Model().AssignBone(nodeId, bone);
     CountMirrored(nodeId, bone, before);
     return QStringLiteral("assign '%1' to %2").arg(bone, QLatin1String(BoneCatalogue::NodeName(nodeId)));
 }
@@ -285,6 +288,9 @@ QString HostChurnTest::DoClear()
 {
     if (Chance(5))
     {
+        // The panel's command says once why it refuses a locked characterization.
+        if (!EditableInTheViews())
+            boxesExpected = answerer->Count() + 1;
         window->GetTool()->ClearCharacterization();
         return QStringLiteral("clear every node");
     }
@@ -296,7 +302,8 @@ QString HostChurnTest::DoClear()
     }
     const int nodeId = !assigned.empty() && Chance(85) ? assigned[Pick(assigned.size())]
                                                        : static_cast<int>(Pick(ZELNodeCount));
-    Model().ClearNode(nodeId);
+    if (EditableInTheViews())
+        Model().ClearNode(nodeId);
     return QStringLiteral("clear %1").arg(QLatin1String(BoneCatalogue::NodeName(nodeId)));
 }
 
@@ -343,7 +350,8 @@ QString HostChurnTest::DoMirror()
     if (bone.isEmpty())
         return QStringLiteral("mirror matching on");
     const QStringList before = Current().GetBoneNames();
-    Model().AssignBone(NodeOf(bone), bone);
+    if (EditableInTheViews())
+        Model().AssignBone(NodeOf(bone), bone);
     CountMirrored(NodeOf(bone), bone, before);
     return QStringLiteral("mirror matching on, assign '%1'").arg(bone);
 }

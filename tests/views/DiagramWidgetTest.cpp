@@ -4,16 +4,21 @@
 
 #include <QGraphicsPixmapItem>
 #include <QGraphicsSceneHoverEvent>
+#include <QApplication>
 #include <QMenu>
 #include <QMessageBox>
 #include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTimer>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
 #include <zelkin/BoneCatalogue.h>
 #include <zelkin/CharacterTool.h>
+#include <zelkin/Characterization.h>
 #include <zelkin/CharacterizationModel.h>
+#include <zelkin/ResourceBridge.h>
 
 #include "DiagramWidget.h"
 #include "FigureLayout.h"
@@ -40,7 +45,8 @@ protected:
         tool = std::make_unique<CharacterTool>(false, "", "", &host, &hub);
         model = tool->GetModel();
         ASSERT_NE(model, nullptr);
-        widget = std::make_unique<DiagramWidget>(nullptr, &pictures, &hub, model, tool.get());
+        hub.UpdateCharacterList({Characterization::DefaultName()}); // the host has the character
+        widget = std::make_unique<DiagramWidget>(nullptr, tool->GetBridge(), &hub, model, tool.get());
         widget->resize(FigureLayout::BaseImageSize);
         widget->show();
     }
@@ -52,10 +58,11 @@ protected:
     }
 
     // A left click in the middle of an item, as the user makes it.
-    void ClickOn(QGraphicsItem* item)
+    void ClickOn(QGraphicsItem* item) { ClickOn(*widget, item); }
+    static void ClickOn(DiagramWidget& figure, QGraphicsItem* item)
     {
-        const QPoint at = widget->mapFromScene(item->sceneBoundingRect().center());
-        QTest::mouseClick(widget->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+        const QPoint at = figure.mapFromScene(item->sceneBoundingRect().center());
+        QTest::mouseClick(figure.viewport(), Qt::LeftButton, Qt::NoModifier, at);
     }
 
     PartItem* Arrow(int view, int targetView)
@@ -91,7 +98,6 @@ protected:
 
     QWidget host;
     TestHub hub;
-    PictureCache pictures {1};
     std::unique_ptr<CharacterTool> tool;
     CharacterizationModel* model = nullptr;
     std::unique_ptr<DiagramWidget> widget;
@@ -123,6 +129,19 @@ TEST_F(DiagramTest, StartsOnTheFullBodyWithEveryPartInPlace)
     // The neck and spine parts share one picture yet each node has its own item.
     EXPECT_NE(widget->GetPartItem(32), widget->GetPartItem(33));
     EXPECT_EQ(widget->GetPartItem(32)->GetImageBase(), widget->GetPartItem(33)->GetImageBase());
+}
+
+TEST_F(DiagramTest, TheFigureDrawsTheBridgesPicturesOrLoadsItsOwn)
+{
+    QTemporaryDir configuration;
+    ResourceBridge bridge(QDir(), QDir(configuration.path()));
+    DiagramWidget figure(nullptr, &bridge, &hub, model, nullptr);
+    ASSERT_TRUE(bridge.GetPictures().Contains(QStringLiteral("BodyGUI_Base.png")));
+    EXPECT_EQ(figure.GetBaseItem(0)->pixmap().cacheKey(),
+              bridge.GetPictures().Get(QStringLiteral("BodyGUI_Base.png")).cacheKey());
+    DiagramWidget alone(nullptr, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_FALSE(alone.GetBaseItem(0)->pixmap().isNull());
+    EXPECT_FALSE(alone.GetPartItem(1)->GetPicture().isNull());
 }
 
 TEST_F(DiagramTest, ArrowsLeadToTheirViewsAndBackEvenWhenLocked)
@@ -215,15 +234,75 @@ TEST_F(DiagramTest, ClicksAreRefusedOnALockedOrUncreatedCharacterization)
                                "bone mappings."});
     }
     EXPECT_EQ(model->GetEditedPart(), CharacterizationModel::NoPart);
-    model->SetEditMode(false);
-    hub.setCharacterTool(nullptr); // a hub that serves no panel has only its placeholder character
+
+    // A host that has made no character yet: the panel's working characterization is the host's placeholder.
+    TestHub fresh;
+    testscenes::AddHandMadeTPose(fresh);
+    QWidget freshHost;
+    CharacterTool freshTool(false, "", "", &freshHost, &fresh);
+    freshHost.resize(400, 800);
+    freshHost.show();
+    DiagramWidget& figure = *freshTool.GetDiagramWidget();
+    EXPECT_EQ(fresh.GetCurrentCharacterNodeName(), fresh.GetDefaultCharacterNodeName());
     {
         ModalAnswerer answer(QMessageBox::Ok);
-        ClickOn(widget->GetPartItem(3));
+        ClickOn(figure, figure.GetPartItem(3));
         EXPECT_EQ(answer.titles, QStringList {"Characterization Not Created"});
+        EXPECT_EQ(answer.texts,
+                  QStringList {"You must create a new characterization before you can edit its bone mappings."});
     }
-    EXPECT_EQ(model->GetEditedPart(), CharacterizationModel::NoPart);
-    hub.setCharacterTool(tool.get());
+    EXPECT_EQ(freshTool.GetModel()->GetEditedPart(), CharacterizationModel::NoPart);
+    // Once the host has it, the same click edits the node.
+    fresh.UpdateCharacterList({Characterization::DefaultName()});
+    EXPECT_EQ(fresh.GetCurrentCharacterNodeName(), Characterization::DefaultName());
+    ClickOn(figure, figure.GetPartItem(3));
+    EXPECT_EQ(freshTool.GetModel()->GetEditedPart(), 3);
+}
+
+// The colour in the middle of a window's right edge, inside its frame: its background.
+QColor Background(QWidget& window)
+{
+    const QImage shot = window.grab().toImage();
+    return QColor(shot.pixel(shot.width() - 4, shot.height() / 2));
+}
+
+TEST_F(DiagramTest, ItsMenuTooltipsAndBoxesLookLikeTheApplicationsNotLikeTheFigure)
+{
+    // The panel's own figure, inside its page: a style sheet of the figure would reach what hangs on it.
+    host.resize(tool->sizeHint());
+    host.show();
+    DiagramWidget& figure = *tool->GetDiagramWidget();
+    const QColor figureBackground(68, 68, 68);
+    ASSERT_EQ(Background(*figure.viewport()), figureBackground);
+
+    QMenu plainMenu;
+    plainMenu.addAction(QStringLiteral("Clear"));
+    std::unique_ptr<QMenu> menu = figure.CreateContextMenu(figure.GetPartItem(3));
+    EXPECT_EQ(Background(*menu), Background(plainMenu));
+
+    const QPoint at = figure.mapFromScene(figure.GetPartItem(11)->sceneBoundingRect().center());
+    QTest::mouseMove(figure.viewport(), at);
+    QWidget* tip = nullptr;
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        for (QWidget* window : QApplication::topLevelWidgets())
+            tip = window->inherits("QTipLabel") && window->isVisible() ? window : tip;
+        return tip != nullptr;
+    }));
+    EXPECT_NE(Background(*tip), figureBackground);
+    EXPECT_EQ(Background(*tip), QApplication::palette().color(QPalette::ToolTipBase));
+
+    MapRequired();
+    model->SetEditMode(true);
+    QColor box;
+    QTimer::singleShot(50, [&box] {
+        if (QWidget* window = QApplication::activeModalWidget())
+        {
+            box = Background(*window);
+            QMetaObject::invokeMethod(window, "reject", Qt::QueuedConnection);
+        }
+    });
+    ClickOn(figure, figure.GetPartItem(3));
+    EXPECT_EQ(box, QApplication::palette().color(QPalette::Window));
 }
 
 TEST_F(DiagramTest, TheHostsSelectionBecomesTheEditedPart)

@@ -88,7 +88,7 @@ int main(int argc, char** argv)
     }
     sheetPainter.end();
     // The page itself, as a panel shows it.
-    DiagramWidget widget(nullptr, &pictures, nullptr, nullptr, nullptr);
+    DiagramWidget widget(nullptr, nullptr, nullptr, nullptr, nullptr);
     widget.resize(FigureLayout::BaseImageSize);
     widget.show();
     widget.ShowView(1);

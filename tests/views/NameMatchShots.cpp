@@ -66,11 +66,10 @@ int main(int argc, char** argv)
     PrintStates(*model);
 
     // The name match page as the panel builds it: the tree over its property view.
-    PictureCache pictures;
     QWidget page;
     auto* layout = new QVBoxLayout(&page);
     layout->setContentsMargins(1, 1, 1, 1);
-    auto* names = new NameMatchWidget(&page, &hub, &pictures, model, &tool);
+    auto* names = new NameMatchWidget(&page, &hub, tool.GetBridge(), model, &tool);
     auto* properties = new PropertyView(&page, &hub, model);
     layout->addWidget(names, 1);
     layout->addWidget(properties);

@@ -9,6 +9,7 @@
 #include <QCompleter>
 #include <QLineEdit>
 #include <QPointer>
+#include <QScrollBar>
 #include <QMenu>
 #include <QMessageBox>
 #include <QSignalSpy>
@@ -20,13 +21,16 @@
 
 #include <zelkin/BoneCatalogue.h>
 #include <zelkin/CharacterTool.h>
+#include <zelkin/Characterization.h>
 #include <zelkin/CharacterizationModel.h>
+#include <zelkin/ResourceBridge.h>
 
 #include "CompleterWidget.h"
 #include "ModalAnswerer.h"
 #include "NameMatchTreeWidget.h"
 #include "NameMatchWidget.h"
 #include "PictureCache.h"
+#include "ReadablePalette.h"
 #include "TestHub.h"
 #include "TestScenes.h"
 
@@ -98,7 +102,8 @@ protected:
         tool = std::make_unique<CharacterTool>(false, "", "", &host, &hub);
         model = tool->GetModel();
         ASSERT_NE(model, nullptr);
-        widget = std::make_unique<NameMatchWidget>(nullptr, &hub, &pictures, model, tool.get());
+        hub.UpdateCharacterList({Characterization::DefaultName()}); // the host has the character
+        widget = std::make_unique<NameMatchWidget>(nullptr, &hub, tool->GetBridge(), model, tool.get());
         widget->resize(400, 600);
         widget->show();
     }
@@ -137,7 +142,7 @@ protected:
 
     bool ShowsBubble(QTreeWidgetItem* row, const QString& picture)
     {
-        const QPixmap& expected = pictures.Get(picture);
+        const QPixmap& expected = tool->GetBridge()->GetPictures().Get(picture);
         const QImage shown = row->icon(NameMatchWidget::NodeColumn).pixmap(expected.size()).toImage();
         return !expected.isNull() &&
                shown.convertToFormat(QImage::Format_ARGB32) == expected.toImage().convertToFormat(QImage::Format_ARGB32);
@@ -145,7 +150,6 @@ protected:
 
     QWidget host;
     TestHub hub;
-    PictureCache pictures {1};
     std::unique_ptr<CharacterTool> tool;
     CharacterizationModel* model = nullptr;
     std::unique_ptr<NameMatchWidget> widget;
@@ -240,6 +244,42 @@ TEST_F(NameMatchTest, PickingARowEditsItsNodeAndSelectsItsBoneInTheHost)
 
     model->SetEditedPart(CharacterizationModel::NoPart, false);
     EXPECT_EQ(Tree()->currentItem(), nullptr);
+}
+
+TEST_F(NameMatchTest, ARowTheFigurePicksComesIntoSightWithItsNeighboursAndTheNodeColumn)
+{
+    widget->resize(262, 300);
+    QApplication::processEvents();
+    for (int nodeId : {140, 12, 97, 60})
+    {
+        model->SetEditedPart(nodeId, false);
+        QApplication::processEvents();
+        const QRect row = Tree()->visualItemRect(Row(nodeId));
+        const QRect room = Tree()->viewport()->rect();
+        EXPECT_GE(row.top() - room.top(), 3 * row.height()) << nodeId;
+        EXPECT_GE(room.bottom() - row.bottom(), 3 * row.height()) << nodeId;
+        // Never sideways: the groups and node names stay where they start, the bones keep a share of the width.
+        EXPECT_EQ(Tree()->horizontalScrollBar()->value(), 0) << nodeId;
+        EXPECT_LE(Tree()->columnWidth(NameMatchWidget::NodeColumn), room.width() * 2 / 3) << nodeId;
+    }
+}
+
+TEST_F(NameMatchTest, TheCurrentRowsTextIsReadableOnItsHighlight)
+{
+    const QPalette original = QApplication::palette();
+    QPalette light = original;
+    light.setColor(QPalette::Highlight, QColor(48, 140, 198)); // 3.7:1 under white
+    light.setColor(QPalette::HighlightedText, Qt::white);
+    QApplication::setPalette(light);
+    QApplication::processEvents();
+    const QPalette& shown = Tree()->palette();
+    for (QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive})
+    {
+        EXPECT_GE(ContrastRatio(shown.color(group, QPalette::HighlightedText), shown.color(group, QPalette::Highlight)),
+                  5.5);
+        EXPECT_EQ(shown.color(group, QPalette::Highlight).hue(), QColor(48, 140, 198).hue()); // the same blue
+    }
+    QApplication::setPalette(original);
 }
 
 // ---- assignment asks the figure's questions ----
@@ -416,19 +456,35 @@ TEST_F(NameMatchTest, ALockedCharacterizationOffersOnlyTheCharacterView)
 
 TEST_F(NameMatchTest, TheHostsPlaceholderCharacterOffersOnlyTheCharacterView)
 {
-    // A hub that serves no panel has only its placeholder character.
-    hub.setCharacterTool(nullptr);
-    Pick(Row(3), {"rig:LeftLeg"});
-    const QMap<QString, bool> entries = MenuEntries();
-    for (auto entry = entries.begin(); entry != entries.end(); ++entry)
-        EXPECT_EQ(entry.value(), entry.key() == "Character View") << entry.key().toStdString();
+    // A host that has made no character yet: the panel's working characterization is the host's placeholder.
+    TestHub fresh;
+    testscenes::AddHandMadeTPose(fresh);
+    QWidget freshHost;
+    CharacterTool freshTool(false, "", "", &freshHost, &fresh);
+    NameMatchWidget& names = *freshTool.GetNameMatchWidget();
+    names.GetTree()->setCurrentItem(names.GetNodeRows(3).front());
+    fresh.selection = {"rig:LeftLeg"};
+    std::unique_ptr<QMenu> menu = names.CreateContextMenu();
+    for (QAction* action : menu->actions())
+    {
+        if (!action->isSeparator())
+        {
+            EXPECT_EQ(action->isEnabled(), action->text() == "Character View") << action->text().toStdString();
+        }
+    }
 
     ModalAnswerer answer(QMessageBox::Ok);
-    widget->AssignSelection();
+    names.AssignSelection();
     EXPECT_EQ(answer.titles, QStringList {"Characterization Not Created"});
     EXPECT_EQ(answer.texts, QStringList {"You must create a new characterization before you can edit its bone mappings."});
-    EXPECT_EQ(model->GetAssignedBone(3), "");
-    hub.setCharacterTool(tool.get());
+    EXPECT_EQ(freshTool.GetModel()->GetAssignedBone(3), "");
+
+    // Creating one from the panel is what the message asks for.
+    ASSERT_TRUE(freshTool.CreateCharacterization(QStringLiteral("Hero")));
+    names.GetTree()->setCurrentItem(names.GetNodeRows(3).front());
+    names.AssignSelection();
+    EXPECT_EQ(freshTool.GetModel()->GetAssignedBone(3), "rig:LeftLeg");
+    EXPECT_EQ(answer.Count(), 1);
 }
 
 TEST_F(NameMatchTest, ClearOnAGroupRowEmptiesOnlyThatGroup)

@@ -1,6 +1,7 @@
 // The property view: what it shows for the edited node, in which format, and what a double click on the bone does.
 #include <cmath>
 
+#include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
@@ -12,6 +13,7 @@
 
 #include "LineEditWithMouseBroadcast.h"
 #include "PropertyView.h"
+#include "ReadablePalette.h"
 #include "TestHub.h"
 #include "TestScenes.h"
 
@@ -192,6 +194,76 @@ TEST_F(PropertyViewTest, DoubleClickOnTheBoneSelectsItInTheHost)
     hub.selection = QStringList {"other"};
     QTest::mouseDClick(view.GetBoneField(), Qt::LeftButton);
     EXPECT_EQ(hub.selection, QStringList {"other"});
+}
+
+TEST_F(PropertyViewTest, ALongBoneNameIsCutInTheMiddleAndTheValuesTakeTheWidth)
+{
+    const QString bone = QStringLiteral("mixamorig:RightHandMiddle1_with_a_long_suffix");
+    hub.AddBone(bone, "", 0, 100, 0);
+    ASSERT_TRUE(model.AssignBone(1, bone));
+    model.SetEditedPart(1, false);
+    view.resize(262, view.sizeHint().height());
+    view.show();
+    QApplication::processEvents();
+
+    LineEditWithMouseBroadcast* field = view.GetBoneField();
+    EXPECT_EQ(field->text(), bone); // what a double click selects
+    ASSERT_TRUE(field->IsElided());
+    const QString shown = field->ShownText();
+    EXPECT_TRUE(shown.startsWith(QStringLiteral("mixa")) && shown.endsWith(QStringLiteral("suffix"))) << shown.toStdString();
+    EXPECT_TRUE(field->toolTip().startsWith(bone + QLatin1Char('\n')));
+    field->setFocus();
+    EXPECT_FALSE(field->IsElided()); // with the focus, to select and copy, the whole name
+
+    // Wide, the labels keep their width and the rest goes to the values.
+    view.resize(600, view.height());
+    QApplication::processEvents();
+    EXPECT_FALSE(field->IsElided());
+    const QLabel* label = view.GetQuantityLabel(PropertyView::ParentOffsetR);
+    EXPECT_LE(label->width(), label->sizeHint().width() + 8);
+    EXPECT_GE(view.GetValueField(PropertyView::Translate, 2)->x(), 600 * 2 / 3);
+}
+
+QPalette Palette(const QColor& window, const QColor& base, const QColor& text, const QColor& disabledText)
+{
+    QPalette palette;
+    for (QPalette::ColorRole role : {QPalette::Window, QPalette::Button})
+        palette.setColor(role, window);
+    palette.setColor(QPalette::Base, base);
+    for (QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    {
+        palette.setColor(role, text);
+        palette.setColor(QPalette::Disabled, role, disabledText);
+    }
+    return palette;
+}
+
+TEST_F(PropertyViewTest, ItsDisabledRowsStayReadableWhateverTheApplicationsPalette)
+{
+    const QPalette original = QApplication::palette();
+    QWidget page; // as in the panel, inside a window
+    PropertyView embedded(&page, &hub, &model);
+    for (const QPalette& palette :
+         {Palette(QColor(239, 239, 239), Qt::white, Qt::black, QColor(190, 190, 190)),
+          Palette(QColor(45, 45, 48), QColor(30, 30, 32), QColor(232, 232, 232), QColor(50, 50, 50)),
+          Palette(QColor(250, 250, 250), Qt::white, QColor(20, 20, 20), QColor(220, 220, 220))})
+    {
+        QApplication::setPalette(palette);
+        QApplication::processEvents();
+        for (const PropertyView* shown : {&view, &embedded})
+        {
+            const QLabel* limits = shown->GetQuantityLabel(PropertyView::MinRotLimit);
+            ASSERT_FALSE(limits->isEnabled());
+            const QPalette& shownPalette = limits->palette();
+            EXPECT_EQ(shownPalette.color(QPalette::Window), palette.color(QPalette::Window));
+            const QColor background = shownPalette.color(QPalette::Disabled, QPalette::Window);
+            const double disabled = ContrastRatio(shownPalette.color(QPalette::Disabled, QPalette::WindowText), background);
+            EXPECT_GE(disabled, 5.5);
+            // Still dimmer than an enabled label.
+            EXPECT_LT(disabled, ContrastRatio(shownPalette.color(QPalette::Active, QPalette::WindowText), background) * 0.6);
+        }
+    }
+    QApplication::setPalette(original);
 }
 
 TEST_F(PropertyViewTest, SceneSelectionFollowsTheHost)

@@ -18,6 +18,7 @@ class IDCCHub;
 class NameMatchWidget;
 class PropertyView;
 class QAction;
+class QDialog;
 class QTabWidget;
 class ResourceBridge;
 
@@ -132,13 +133,18 @@ private:
     int ApplyTemplate(const QString& name, int matchType, bool selectedOnly, const QString& prefix);
     // The recognized character holding the selection (else the first), after asking before nodes change bones.
     int ApplyRecognized(const SkeletonRecognizer::Result& recognized,
-                        const std::vector<SkeletonRecognizer::Bone>& skeleton, bool selectedOnly);
+                        const std::vector<SkeletonRecognizer::Bone>& skeleton);
     void ReportApplied(int mapped, bool automatic);
     bool CanExtractTemplate();
     bool SaveTemplate(const QString& name, const QString& prefix);
     bool SaveConfiguration();
+    // Refuses a locked characterization, before any file is chosen.
+    bool CanLoad();
     bool ReplaceCurrent(const Characterization& loaded, const QString& path);
+    // Where the save and load dialogs open: the folder last used, at first the data directory.
+    QString DialogFolder() const;
 
+    int ExecDialog(QDialog& dialog);
     QMessageBox::StandardButton ShowMessage(QMessageBox::Icon icon, const QString& title, const QString& text,
                                             QMessageBox::StandardButtons buttons,
                                             QMessageBox::StandardButton batchAnswer);
@@ -154,6 +160,7 @@ private:
     QTabWidget* mPages = nullptr;
     QAction* mMirrorAction = nullptr;
     QAction* mLockAction = nullptr;
+    QString mLastFolder;
     const bool mBatchMode;
     bool mConfirmDelete = true;
 };

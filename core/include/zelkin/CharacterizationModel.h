@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include <QHash>
 #include <QObject>
 #include <QSet>
 #include <QString>
@@ -59,6 +60,9 @@ public:
     int IndexOf(const Characterization* characterization) const;
     // The default name, numbered when it is taken.
     QString NextCharacterizationName() const;
+    // Whether the host has this characterization. The working one the model starts with stands in for the host's
+    // placeholder character until the host lists it or it makes way for one the host has.
+    bool IsCreated(const Characterization* characterization) const;
     // Adds, announces to the host and makes current; null when the name is empty or taken.
     std::shared_ptr<Characterization> CreateCharacterization(const QString& name);
     // Removes it; keeps the first one current when the current one went, and never leaves the list empty.
@@ -69,15 +73,18 @@ public:
     // not told: it is for restoring what the host itself stored.
     bool ReplaceCurrentContent(const Characterization& content);
     // The same for a mapping from elsewhere (a file): the host detaches the old bones and attaches the new ones.
-    // Refused while the characterization is locked.
     bool ImportIntoCurrent(const Characterization& content);
 
-    // Assignment on the current characterization; all refused while it is locked. In mirror mode AssignBone also
+    // Assignment on the current characterization, locked or not: a locked one is only announced, not validated.
+    // Refusing the user's edits of a locked characterization is for the views. In mirror mode AssignBone also
     // gives the counterpart bone to the opposite node (AssignBones never mirrors: callers that ask the user first
     // mirror for themselves, see GetMirrorMatcher).
     bool AssignBone(int nodeId, const QString& bone);
     // One validation for the whole batch; an empty bone clears its node.
     bool AssignBones(const std::vector<Assignment>& assignments);
+    // The same on the characterization of that exact name, current or not (the host's scripting); an empty bone
+    // clears the node. False when there is no such characterization or node.
+    bool AssignCharacterizationBone(const QString& characterizationName, int nodeId, const QString& bone);
     bool ClearNode(int nodeId);
     bool ClearNodes(const std::vector<int>& nodeIds);
     QString GetAssignedBone(int nodeId) const;
@@ -149,7 +156,8 @@ public:
     int GetEditedPart() const { return mEditedPart; }
     // picked: the user picked the part, so the host selects its bone.
     void SetEditedPart(int nodeId, bool picked);
-    QString GetLastOperationText() const { return mLastOperation; }
+    // The current characterization's last operation, "No previous operation." before its first.
+    QString GetLastOperationText() const;
     QTimer* GetGeometryTimer() const { return mTimer; }
 
 signals:
@@ -178,11 +186,14 @@ private:
 
     bool IsEditable() const;
     void RemoveAt(int index);
+    // Switches without announcing it and keeps the edited part: for the host's operations that visit every
+    // characterization and then come back.
+    void MakeCurrent(int index);
     // Keeps `previous` current when it is still listed, else the first; creates one when none is left.
     void RestoreCurrent(const Characterization* previous);
     void SetLockedState(Characterization& characterization, bool locked);
     void SetMark(int nodeId, int32_t mark);
-    void Attach(int nodeId, const QString& bone);
+    void Attach(Characterization& characterization, int nodeId, const QString& bone);
     void Detach(Characterization& characterization, int nodeId, bool fromHost);
     // Validates an editable characterization; a locked one only announces the change.
     void Update();
@@ -194,6 +205,7 @@ private:
     IDCCHub* mHub = nullptr;
     ResourceBridge* mBridge = nullptr;
     CharacterizationList mCharacterizations;
+    const Characterization* mPlaceholder = nullptr;
     int mCurrent = -1;
     std::array<int32_t, ZELNodeCount> mMarks {};
     std::array<std::string, ZELNodeCount> mNodeMessages;
@@ -206,6 +218,6 @@ private:
     MirrorMatcher mMirror;
     bool mBusy = false;
     bool mChanged = false;
-    QString mLastOperation;
+    QHash<const Characterization*, QString> mLastOperations;
     std::unique_ptr<ValidationRun> mRules;
 };

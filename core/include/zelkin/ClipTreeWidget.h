@@ -13,7 +13,8 @@ class QMenu;
 class ResourceBridge;
 
 // Lists the clip files ("*.kst") of the clip directories the user chose, one top row per directory. The
-// directories are kept in the configuration ("clip_list"/"clip_path", one item with a "path" per directory).
+// directories are kept in the configuration, one "clip_path" entry with a "path" attribute each (section
+// "clip_list").
 class ZELKIN_CHARACTERIZATION_EXPORT ClipTreeWidget : public QTreeWidget
 {
     Q_OBJECT
@@ -37,9 +38,14 @@ public:
     void SetRevealer(Revealer revealer) { mRevealer = std::move(revealer); }
     // "Refresh", "Add Clip Directory...", "Remove", "Explore...", enabled as the current row allows.
     std::unique_ptr<QMenu> CreateContextMenu();
+    // What an empty browser shows where its rows would be: how to add a directory.
+    static QString GetEmptyText();
 
-    // The desktop's file manager through its D-Bus interface, else the folder through xdg-open.
+    // On Windows the file manager with the file selected ("explorer" with ExplorerArgument); elsewhere the
+    // desktop's file manager through its D-Bus interface, else the folder through xdg-open.
     static bool RevealInFileManager(const QString& path);
+    // "/select,%1" with every "/" of the path turned into a backslash.
+    static QString ExplorerArgument(const QString& path);
 
 signals:
     // A clip was double-clicked or chosen with Enter.
@@ -48,11 +54,13 @@ signals:
 public slots:
     void Refresh();
     void AddDirectory();
+    // Takes the current row's directory out of the list (its files stay); on a clip row, only once the user agrees.
     void RemoveDirectory();
     void ShowExplorer();
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:

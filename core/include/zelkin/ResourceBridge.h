@@ -17,8 +17,8 @@ class ZELKIN_CHARACTERIZATION_EXPORT ResourceBridge
 {
 public:
     // dataDirectory: where file dialogs open first (the host's project folder); the current folder when empty.
-    // configurationDirectory: holds "config/characterization_tool.xml" and the "template" folder; when empty, the
-    // per-user folder ("%1/Morvane" under APPDATA) is used.
+    // configurationDirectory: holds "config/characterization_tool.xml" and the "template" folder (made here when
+    // missing); when empty, the per-user folder ("%1/Morvane" under APPDATA) is used.
     ResourceBridge(const QDir& dataDirectory, const QDir& configurationDirectory);
     ~ResourceBridge();
     ResourceBridge(const ResourceBridge&) = delete;

@@ -17,6 +17,7 @@
 //           <key value="single value"/>
 //           <key><item value="list entry"/>...</key>
 //           <key><item key="a" value="b"/>...</key>
+//           <entry path="a"/><entry path="b"/>   (a key that repeats, its setting in attributes of its own)
 //       </section>
 //       <key value="..."/>            (an empty section name addresses keys placed directly under the root)
 //   </config_root>
@@ -69,6 +70,9 @@ public:
     QList<Pair> ReadPairs(const QString& section, const QString& key) const;
     // One row per item, one column per requested attribute; a missing attribute reads as an empty string.
     QList<QStringList> ReadTable(const QString& section, const QString& key, const QStringList& attributes) const;
+    // One row per element of that name in the section (document order), one column per requested attribute of the
+    // element itself; a missing attribute reads as an empty string.
+    QList<QStringList> ReadEntries(const QString& section, const QString& key, const QStringList& attributes) const;
 
     // Each write replaces the whole key element (appended at the end of its section) and marks the document
     // modified. Section and key must be XML names; otherwise nothing is written and the result is false.
@@ -78,6 +82,9 @@ public:
     bool WritePairs(const QString& section, const QString& key, const QList<Pair>& pairs);
     bool WriteTable(const QString& section, const QString& key, const QStringList& attributes,
                     const QList<QStringList>& rows);
+    // Replaces every element of that name in the section by one element per row, appended in row order.
+    bool WriteEntries(const QString& section, const QString& key, const QStringList& attributes,
+                      const QList<QStringList>& rows);
     void RemoveKey(const QString& section, const QString& key);
 
     static bool IsValidName(const QString& name);
@@ -85,6 +92,8 @@ public:
 private:
     struct Data;
     bool Fail(const QString& message);
+    static bool CanWriteTable(const QString& section, const QString& key, const QStringList& attributes,
+                              const QList<QStringList>& rows);
     bool ParseDevice(class QIODevice& device, const QString& sourceName);
 
     std::unique_ptr<Data> d;
