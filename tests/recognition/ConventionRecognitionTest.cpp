@@ -11,6 +11,7 @@
 #include <zelkin/TemplateLibrary.h>
 
 #include "ConventionRigs.h"
+#include "RecognizerSuite.h"
 
 namespace
 {
@@ -60,21 +61,9 @@ TruthRig WithCapeAndLongHair(const TruthRig& rig)
     return dressed;
 }
 
-class ConventionRecognitionTest : public testing::Test
+class ConventionRecognitionTest : public RecognizerSuite
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        sLibrary = new TemplateLibrary(QString());
-        sRecognizer = new SkeletonRecognizer(*sLibrary);
-    }
-
-    static void TearDownTestSuite()
-    {
-        delete sRecognizer;
-        delete sLibrary;
-    }
-
     static RigScore Run(const TruthRig& rig)
     {
         const RigScore score = rigs::Score(rig, sRecognizer->Recognize(rig.bones));
@@ -91,13 +80,7 @@ protected:
         EXPECT_TRUE(score.mappedExtras.isEmpty()) << what;
         EXPECT_TRUE(score.requiredWrong.isEmpty()) << what;
     }
-
-    static TemplateLibrary* sLibrary;
-    static SkeletonRecognizer* sRecognizer;
 };
-
-TemplateLibrary* ConventionRecognitionTest::sLibrary = nullptr;
-SkeletonRecognizer* ConventionRecognitionTest::sRecognizer = nullptr;
 
 TEST_F(ConventionRecognitionTest, EveryConventionAsItComes)
 {

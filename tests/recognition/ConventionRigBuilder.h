@@ -186,4 +186,32 @@ private:
     TruthRig mRig;
 };
 
+// A figure tool's rigs: centimetres, arms 45 degrees down, the pelvis beside the abdomen, two neck bones.
+inline Rig FigureToolTrunk(const QString& id)
+{
+    Rig r(id, Body(45), [](const V& v) { return V {100 * v[0], 100 * v[1], 100 * v[2]}; });
+    r.Add("hip", "", "hips", N("Hips"));
+    r.Add("pelvis", "hip", "pelvis", -1, true);
+    r.Add("abdomenLower", "hip", "spine0", N("Spine"));
+    r.Add("abdomenUpper", "abdomenLower", "spine1", N("Spine1"));
+    r.Add("chestLower", "abdomenUpper", "spine2", N("Spine2"));
+    r.Add("chestUpper", "chestLower", "spine3", N("Spine3"));
+    r.Add("neckLower", "chestUpper", "neck0", N("Neck"));
+    r.Add("neckUpper", "neckLower", "neck1", N("Neck1"));
+    r.Add("head", "neckUpper", "head", N("Head"));
+    return r;
+}
+
+// The engine mannequins' IK targets, which stand where the hands and feet are: never part of a limb.
+inline void AddEngineIkBones(Rig& r)
+{
+    r.Add("ik_foot_root", "root", "root");
+    r.Add("ik_foot_l", "ik_foot_root", "ankleL");
+    r.Add("ik_foot_r", "ik_foot_root", "ankleR");
+    r.Add("ik_hand_root", "root", "root");
+    r.Add("ik_hand_gun", "ik_hand_root", "handR");
+    r.Add("ik_hand_l", "ik_hand_gun", "handL");
+    r.Add("ik_hand_r", "ik_hand_gun", "handR");
+}
+
 } // namespace conventions::build

@@ -45,13 +45,7 @@ TruthRig Mannequin()
         r.Add("foot_" + s, "calf_" + s, r.At("ankle" + side), N(w + "Foot"));
         r.Add("ball_" + s, "foot_" + s, r.At("toe" + side), N(w + "ToeBase"));
     }
-    r.Add("ik_foot_root", "root", "root");
-    r.Add("ik_foot_l", "ik_foot_root", "ankleL");
-    r.Add("ik_foot_r", "ik_foot_root", "ankleR");
-    r.Add("ik_hand_root", "root", "root");
-    r.Add("ik_hand_gun", "ik_hand_root", "handR");
-    r.Add("ik_hand_l", "ik_hand_gun", "handL");
-    r.Add("ik_hand_r", "ik_hand_gun", "handR");
+    AddEngineIkBones(r);
     return r.Done();
 }
 

@@ -156,16 +156,7 @@ TruthRig ExtendedAvatar()
 // toe, pectorals, upper and lower face rigs full of bones; A-pose, centimetres.
 TruthRig FigureCarpalPairs()
 {
-    Rig r("figure tool, paired carpals", Body(45), [](const V& v) { return V {100 * v[0], 100 * v[1], 100 * v[2]}; });
-    r.Add("hip", "", "hips", N("Hips"));
-    r.Add("pelvis", "hip", "pelvis", -1, true);
-    r.Add("abdomenLower", "hip", "spine0", N("Spine"));
-    r.Add("abdomenUpper", "abdomenLower", "spine1", N("Spine1"));
-    r.Add("chestLower", "abdomenUpper", "spine2", N("Spine2"));
-    r.Add("chestUpper", "chestLower", "spine3", N("Spine3"));
-    r.Add("neckLower", "chestUpper", "neck0", N("Neck"));
-    r.Add("neckUpper", "neckLower", "neck1", N("Neck1"));
-    r.Add("head", "neckUpper", "head", N("Head"));
+    Rig r = FigureToolTrunk("figure tool, paired carpals");
     r.Add("upperFaceRig", "head", Shift(r.At("head"), 0, 0.08, 0.02));
     r.Add("lowerFaceRig", "head", Shift(r.At("head"), 0, 0.02, 0.02));
     r.Add("lowerJaw", "lowerFaceRig", "jaw");

@@ -82,13 +82,7 @@ TruthRig NewerMannequin()
     }
     r.Add("interaction", "root", V {0, 1.0, 0.4});
     r.Add("center_of_mass", "root", V {0, 1.05, 0});
-    r.Add("ik_foot_root", "root", "root");
-    r.Add("ik_foot_l", "ik_foot_root", "ankleL");
-    r.Add("ik_foot_r", "ik_foot_root", "ankleR");
-    r.Add("ik_hand_root", "root", "root");
-    r.Add("ik_hand_gun", "ik_hand_root", "handR");
-    r.Add("ik_hand_l", "ik_hand_gun", "handL");
-    r.Add("ik_hand_r", "ik_hand_gun", "handR");
+    AddEngineIkBones(r);
     return r.Done();
 }
 

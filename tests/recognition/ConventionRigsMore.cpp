@@ -60,16 +60,7 @@ TruthRig CharacterCreator()
 // pelvis beside the abdomen, arms 45 degrees down, centimetres.
 TruthRig FigureTool()
 {
-    Rig r("figure tool", Body(45), [](const V& v) { return V {100 * v[0], 100 * v[1], 100 * v[2]}; });
-    r.Add("hip", "", "hips", N("Hips"));
-    r.Add("pelvis", "hip", "pelvis", -1, true);
-    r.Add("abdomenLower", "hip", "spine0", N("Spine"));
-    r.Add("abdomenUpper", "abdomenLower", "spine1", N("Spine1"));
-    r.Add("chestLower", "abdomenUpper", "spine2", N("Spine2"));
-    r.Add("chestUpper", "chestLower", "spine3", N("Spine3"));
-    r.Add("neckLower", "chestUpper", "neck0", N("Neck"));
-    r.Add("neckUpper", "neckLower", "neck1", N("Neck1"));
-    r.Add("head", "neckUpper", "head", N("Head"));
+    Rig r = FigureToolTrunk("figure tool");
     r.Add("lEye", "head", "eyeL");
     r.Add("rEye", "head", "eyeR");
     r.Add("lowerJaw", "head", "jaw");

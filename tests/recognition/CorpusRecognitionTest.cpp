@@ -12,10 +12,11 @@
 #include <zelkin/UserConfiguration.h>
 
 #include "RecognitionRigs.h"
+#include "RecognizerSuite.h"
 
 namespace
 {
-class CorpusRecognitionTest : public testing::Test
+class CorpusRecognitionTest : public RecognizerSuite
 {
 protected:
     void SetUp() override { ASSERT_GE(sRigs->size(), 2u) << "the corpus could not be read"; }
@@ -23,14 +24,12 @@ protected:
     static void SetUpTestSuite()
     {
         sRigs = new std::vector<TruthRig>(rigs::CorpusRigs());
-        sLibrary = new TemplateLibrary(QString());
-        sRecognizer = new SkeletonRecognizer(*sLibrary);
+        RecognizerSuite::SetUpTestSuite();
     }
 
     static void TearDownTestSuite()
     {
-        delete sRecognizer;
-        delete sLibrary;
+        RecognizerSuite::TearDownTestSuite();
         delete sRigs;
     }
 
@@ -52,13 +51,9 @@ protected:
     }
 
     static std::vector<TruthRig>* sRigs;
-    static TemplateLibrary* sLibrary;
-    static SkeletonRecognizer* sRecognizer;
 };
 
 std::vector<TruthRig>* CorpusRecognitionTest::sRigs = nullptr;
-TemplateLibrary* CorpusRecognitionTest::sLibrary = nullptr;
-SkeletonRecognizer* CorpusRecognitionTest::sRecognizer = nullptr;
 
 TEST_F(CorpusRecognitionTest, EveryRigAsItCame)
 {

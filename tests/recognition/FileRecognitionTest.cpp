@@ -16,6 +16,7 @@
 
 #include "CliProcess.h"
 #include "ConventionRigs.h"
+#include "RecognizerSuite.h"
 #include "RigFiles.h"
 
 namespace
@@ -31,21 +32,9 @@ TruthRig Convention(const QString& id)
     return {};
 }
 
-class FileRecognitionTest : public testing::Test
+class FileRecognitionTest : public RecognizerSuite
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        sLibrary = new TemplateLibrary(QString());
-        sRecognizer = new SkeletonRecognizer(*sLibrary);
-    }
-
-    static void TearDownTestSuite()
-    {
-        delete sRecognizer;
-        delete sLibrary;
-    }
-
     static Nodes InMemory(const TruthRig& rig)
     {
         Nodes nodes;
@@ -119,13 +108,7 @@ protected:
             truth.insert(it.key(), BoneCatalogue::NodeName(it.value()));
         EXPECT_GE(share, 0.98) << path.toStdString() << ": " << Difference(read, truth).toStdString();
     }
-
-    static TemplateLibrary* sLibrary;
-    static SkeletonRecognizer* sRecognizer;
 };
-
-TemplateLibrary* FileRecognitionTest::sLibrary = nullptr;
-SkeletonRecognizer* FileRecognitionTest::sRecognizer = nullptr;
 
 TEST_F(FileRecognitionTest, SkinnedRigsInEveryFormatWithMeshCameraLightAndProp)
 {
