@@ -2,10 +2,16 @@
 # damaged-file tests and the scene fuzzers start from them, so nothing binary lives in the sources.
 # ZELKIN_SCENE_FILES is their folder (one folder per format inside), zelkin_scene_files the target that writes them.
 find_package(assimp REQUIRED)
-add_executable(make_scene_files ${PROJECT_SOURCE_DIR}/tests/support/make_scene_files.cpp
-    ${PROJECT_SOURCE_DIR}/tests/support/BinaryFbx.cpp ${PROJECT_SOURCE_DIR}/tests/support/SkinnedMesh.cpp)
+# What writes skeleton files with Assimp, shared with the tests that write rigs of their own.
+add_library(zelkin_scene_writing STATIC ${PROJECT_SOURCE_DIR}/tests/support/BinaryFbx.cpp
+    ${PROJECT_SOURCE_DIR}/tests/support/SkinnedMesh.cpp)
+zelkin_warnings(zelkin_scene_writing)
+target_include_directories(zelkin_scene_writing PUBLIC ${PROJECT_SOURCE_DIR}/tests/support)
+target_link_libraries(zelkin_scene_writing PUBLIC assimp::assimp Qt6::Core)
+
+add_executable(make_scene_files ${PROJECT_SOURCE_DIR}/tests/support/make_scene_files.cpp)
 zelkin_warnings(make_scene_files)
-target_link_libraries(make_scene_files PRIVATE assimp::assimp Qt6::Core)
+target_link_libraries(make_scene_files PRIVATE zelkin_scene_writing)
 
 set(ZELKIN_SCENE_FILES ${PROJECT_BINARY_DIR}/scene_files)
 set(sample ${PROJECT_SOURCE_DIR}/examples/sample_humanoid.bvh)

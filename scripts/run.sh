@@ -4,7 +4,8 @@
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/setup.sh"
-"$root/scripts/build.sh" "$root/build" -DZELKIN_BUILD_TESTS=ON
+# The same tree and flags as the test run, so that either command reuses what the other built.
+"$root/scripts/build.sh" "$root/build" -DZELKIN_BUILD_TESTS=ON "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 -g1 -DNDEBUG"
 
 sample="$root/examples/sample_humanoid.bvh"
 if [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then

@@ -1,4 +1,5 @@
 // Ten thousand random user operations on Zelkin Studio from a fixed seed, the invariants checked after each one.
+// Under the sanitizers, where each step costs five times as much, the first quarter of the same run.
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -23,7 +24,17 @@
 namespace
 {
 constexpr unsigned kSeed = 0x5EEDC0DEu;
+#ifdef ZELKIN_UNDER_ASAN
+constexpr int kSteps = 2500;
+#else
 constexpr int kSteps = 10000;
+#endif
+
+// The least count of something that ten thousand steps must show, for this run's length.
+constexpr int AtLeast(int inTenThousand)
+{
+    return inTenThousand * kSteps / 10000;
+}
 // A round trip (two project writes, one read through a second studio with its views, two file parses) costs about
 // eight operations: after every step the test would take minutes, so it runs on every fifth step, and the
 // save-and-reload operation checks its own.
@@ -57,9 +68,9 @@ struct OpKind
 {
     const char* name;
     int weight;
-    // Steps of this kind that must have changed something (or, for saving, succeeded).
+    // Steps of this kind, in ten thousand, that must have changed something (or, for saving, succeeded).
     int minimumDone;
-    // Steps of this kind that must have been tried on a locked characterization.
+    // Steps of this kind, in ten thousand, that must have been tried on a locked characterization.
     int minimumWhileLocked;
 };
 
@@ -488,7 +499,7 @@ testing::AssertionResult HostChurnTest::CheckAfterStep(int step, const ChurnChec
     return testing::AssertionSuccess();
 }
 
-TEST_F(HostChurnTest, TenThousandRandomOperationsKeepEveryInvariant)
+TEST_F(HostChurnTest, RandomOperationsKeepEveryInvariant)
 {
     ModalAnswerer boxes(QMessageBox::Ok);
     answerer = &boxes;
@@ -534,13 +545,13 @@ TEST_F(HostChurnTest, TenThousandRandomOperationsKeepEveryInvariant)
     std::printf("  mirrored assignments %d, refused locks %d\n", mirrored, refusedLocks);
     for (int op = 0; op < OpCount; ++op)
     {
-        EXPECT_GE(tallies[op].done, kKinds[op].minimumDone) << kKinds[op].name;
-        EXPECT_GE(tallies[op].whileLocked, kKinds[op].minimumWhileLocked) << kKinds[op].name;
+        EXPECT_GE(tallies[op].done, AtLeast(kKinds[op].minimumDone)) << kKinds[op].name;
+        EXPECT_GE(tallies[op].whileLocked, AtLeast(kKinds[op].minimumWhileLocked)) << kKinds[op].name;
     }
-    EXPECT_GE(mirrored, 200);
+    EXPECT_GE(mirrored, AtLeast(200));
     // Enough refusals to try that path well; how many depends on how often the churned skeleton stays recognizable
     // (with a few bones deleted it now mostly does, and auto match leaves fewer errors to refuse a lock for).
-    EXPECT_GE(refusedLocks, 250);
+    EXPECT_GE(refusedLocks, AtLeast(250));
 }
 
 } // namespace
