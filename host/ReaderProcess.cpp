@@ -1,5 +1,7 @@
 #include "ReaderProcess.h"
 
+#include <memory>
+
 #include <sys/resource.h>
 
 #include <QElapsedTimer>
@@ -46,6 +48,10 @@ void LimitAddressSpace(QProcess& process, qint64 bytes)
 #endif
 }
 
+// A reader that has answered ends on its own: tearing down a process that read a large file takes the system a few
+// milliseconds, and nothing of it is needed any more. It is let go at this thread's next read, or at its end.
+thread_local std::unique_ptr<QProcess> tAnswered;
+
 QByteArray Ask(const QString& option)
 {
     const QString program = ReaderProcess::Program();
@@ -66,7 +72,9 @@ ReaderProcess::End ReaderProcess::Run(const QString& path, const Limits& limits,
     const QString program = Program();
     if (program.isEmpty())
         return End::NotStarted;
-    QProcess process;
+    tAnswered.reset();
+    auto running = std::make_unique<QProcess>();
+    QProcess& process = *running;
     Prepare(process, program, {path});
     LimitAddressSpace(process, limits.addressSpace);
     process.start(QIODevice::ReadOnly);
@@ -102,16 +110,19 @@ ReaderProcess::End ReaderProcess::Run(const QString& path, const Limits& limits,
             if (progress && !progress(percent))
                 return stop(End::Cancelled);
         }
+        // Nothing may follow a skeleton or a reason: the answer is whole.
+        if (answer.HasFailure() || answer.HasSkeleton())
+        {
+            tAnswered = std::move(running);
+            return End::Answered;
+        }
         if (ended)
             break;
         if (limits.seconds > 0 && clock.elapsed() > qint64(limits.seconds) * 1000)
             return stop(End::TimedOut);
     }
-    if (process.exitStatus() == QProcess::CrashExit || process.error() == QProcess::FailedToStart)
-        return End::Crashed;
-    if (answer.HasFailure() || answer.HasSkeleton())
-        return End::Answered;
-    // A reader that ends with half an answer or none, say a sanitizer's exit, crashed as far as anyone can tell.
+    // A reader that ends with half an answer or none, say at a signal or a sanitizer's exit, crashed as far as anyone
+    // can tell.
     return End::Crashed;
 }
 
