@@ -185,19 +185,28 @@ bool StudioSession::IsModified() const
     return StateSignature() != mSavedSignature;
 }
 
-bool StudioSession::AutoCharacterize(bool selectedCharacter, QString& message)
+CharacterizationModel* StudioSession::EditableModel(const QString& doing, const QString& afterUnlock,
+                                                   QString& message) const
 {
     CharacterizationModel* model = GetModel();
     if (model == nullptr || !HasSkeleton())
     {
-        message = tr("There is no skeleton to characterize: open one first.");
-        return false;
+        message = tr("There is no skeleton to %1: open one first.").arg(doing);
+        return nullptr;
     }
     if (model->IsLocked())
     {
-        message = tr("The current characterization is locked: unlock it to characterize it again.");
-        return false;
+        message = tr("The current characterization is locked: unlock it to %1.").arg(afterUnlock);
+        return nullptr;
     }
+    return model;
+}
+
+bool StudioSession::AutoCharacterize(bool selectedCharacter, QString& message)
+{
+    CharacterizationModel* model = EditableModel(tr("characterize"), tr("characterize it again"), message);
+    if (model == nullptr)
+        return false;
     QStringList selection;
     mHub.GetSelectedBones(selection);
     if (selectedCharacter && selection.isEmpty())
@@ -227,17 +236,9 @@ bool StudioSession::AutoCharacterize(bool selectedCharacter, QString& message)
 
 bool StudioSession::SetTPose(QString& message)
 {
-    CharacterizationModel* model = GetModel();
-    if (model == nullptr || !HasSkeleton())
-    {
-        message = tr("There is no skeleton to pose: open one first.");
+    CharacterizationModel* model = EditableModel(tr("pose"), tr("set the T-pose"), message);
+    if (model == nullptr)
         return false;
-    }
-    if (model->IsLocked())
-    {
-        message = tr("The current characterization is locked: unlock it to set the T-pose.");
-        return false;
-    }
     const SceneTPose tpose(mScene, *model->GetCurrentCharacterization());
     const TPoseBuilder::Result& result = tpose.GetResult();
     if (!result.IsPosed())

@@ -102,6 +102,9 @@ private:
     static bool ReplayEdits(const QList<ProjectFile::BoneEdit>& edits, Scene& scene, QString& error);
     void ReplaceScene(Scene& scene);
     void CharacterizeNewSkeleton();
+    // The current characterization's model when there is a skeleton and it is unlocked; otherwise null, with
+    // the reason in `message`, naming what the user meant to do and what unlocking would let them do.
+    CharacterizationModel* EditableModel(const QString& doing, const QString& afterUnlock, QString& message) const;
     // The character most of the current characterization's bones belong to; -1 when none does.
     int CurrentCharacter(const SkeletonRecognizer::Result& result,
                          const std::vector<SkeletonRecognizer::Bone>& bones) const;
